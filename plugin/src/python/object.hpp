@@ -1,0 +1,173 @@
+// Objects of the host, used the way Python code uses them: attributes and items by name, calls, truth, iteration. Each
+// operation is the interpreter's own and throws Error where it raises.
+#pragma once
+
+#include <array>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "names.hpp"
+#include "python/error.hpp"
+
+namespace morvesk::python {
+
+/// The interned strings of the names, in the order of Name. They belong to the module, which outlives every call of its
+/// functions.
+class Names {
+  public:
+    Names() noexcept = default;
+    explicit Names(PyObject* const* strings) noexcept : strings_(strings) {}
+
+    PyObject* operator[](Name name) const noexcept { return strings_[static_cast<Py_ssize_t>(name)]; }
+
+  private:
+    PyObject* const* strings_ = nullptr;
+};
+
+class Object;
+
+struct NoneType {};
+inline constexpr NoneType NONE;
+
+/// Anything that can be handed to the interpreter: an object, or a C++ value that is made into one.
+class Value {
+  public:
+    Value(const Object& object) noexcept;
+    Value(Ref ref) noexcept : ref_(std::move(ref)) {}
+    Value(NoneType) noexcept;
+    Value(bool value) noexcept;
+    Value(const void*) = delete;  // any other pointer would become a bool
+    Value(int value);
+    Value(double value);
+    Value(std::string_view bytes);
+    Value(const std::string& bytes) : Value(std::string_view(bytes)) {}
+    Value(const char* text) : Value(std::string_view(text)) {}
+
+    const Ref& ref() const noexcept { return ref_; }
+    PyObject* get() const noexcept { return ref_.get(); }
+
+  private:
+    Ref ref_;
+};
+
+/// A keyword argument.
+struct Keyword {
+    Name name;
+    Value value;
+};
+
+/// A reference to an object of the interpreter; empty where an optional argument was not given.
+class Object {
+  public:
+    Object() noexcept = default;
+    Object(Ref ref, Names names) noexcept : ref_(std::move(ref)), names_(names) {}
+
+    const Ref& ref() const noexcept { return ref_; }
+    Names names() const noexcept { return names_; }
+    PyObject* get() const noexcept { return ref_.get(); }
+    explicit operator bool() const noexcept { return static_cast<bool>(ref_); }
+    [[nodiscard]] PyObject* release() noexcept { return ref_.release(); }
+    Ref take() && noexcept { return std::move(ref_); }
+
+    Object attr(Name name, Where where = Where::here()) const;
+    void setAttr(Name name, const Value& value, Where where = Where::here()) const;
+
+    Object item(const Value& key, Where where = Where::here()) const;
+    Object item(int index, Where where = Where::here()) const {
+        if (PyTuple_CheckExact(get()) && index >= 0 && index < PyTuple_GET_SIZE(get())) {
+            return {Ref::borrow(PyTuple_GET_ITEM(get(), index)), names_};
+        }
+        return item(Value(index), where);
+    }
+    void setItem(const Value& key, const Value& value, Where where = Where::here()) const;
+
+    /// Calls the object. Arguments are evaluated from left to right, after the object that is called, as Python does;
+    /// but which of the two lists comes first is the compiler's choice, so at most one may hold what does something.
+    Object operator()(std::initializer_list<Value> arguments = {}, Where where = Where::here()) const;
+    Object operator()(std::initializer_list<Value> arguments, std::initializer_list<Keyword> keywords,
+                      Where where = Where::here()) const;
+
+    /// `self.name()`
+    Object call(Name name, Where where = Where::here()) const;
+
+    bool isNone() const noexcept { return ref_.get() == Py_None; }
+    bool truth(Where where = Where::here()) const;
+    bool equals(const Value& other, Where where = Where::here()) const;
+    Py_ssize_t length(Where where = Where::here()) const;
+
+    /// `self + other`
+    Object plus(const Value& other, Where where = Where::here()) const;
+
+    /// `str(self)`
+    Object str(Where where = Where::here()) const;
+
+    /// A list of what iteration over the object yields at this moment.
+    Object snapshot(Where where = Where::here()) const;
+
+    /// `first, second = self`
+    std::pair<Object, Object> unpackPair(Where where = Where::here()) const;
+
+    /// `self.append(value)`
+    void append(const Value& value, Where where = Where::here()) const;
+
+    /// The bytes of a `str`, which must outlive their use.
+    ///
+    /// Raises TypeError for any other object: "WHAT must be a str, not TYPE".
+    std::string_view bytes(const char* what, Where where = Where::here()) const;
+
+  private:
+    Ref ref_;
+    Names names_;
+};
+
+/// `for element in iterable`, for a range-based for loop.
+class Elements {
+  public:
+    explicit Elements(const Object& iterable, Where where = Where::here());
+
+    class Iterator {
+      public:
+        Iterator(const Elements* elements, Object current) : elements_(elements), current_(std::move(current)) {}
+        const Object& operator*() const { return current_; }
+        Iterator& operator++() {
+            current_ = elements_->next();
+            return *this;
+        }
+        // Only ever compared with the end, which has no element.
+        bool operator!=(const Iterator&) const { return static_cast<bool>(current_); }
+
+      private:
+        const Elements* elements_;
+        Object current_;
+    };
+
+    Iterator begin() const { return {this, next()}; }
+    Iterator end() const { return {this, {}}; }
+
+  private:
+    Object next() const;
+
+    Ref iterator_;
+    Names names_;
+    Where where_;
+};
+
+Ref makeTuple(std::initializer_list<Value> items, Where where = Where::here());
+Ref makeList(std::initializer_list<Value> items = {}, Where where = Where::here());
+
+/// A tuple that takes over the references.
+template <std::size_t Size>
+Ref packTuple(std::array<Ref, Size> items, Where where = Where::here()) {
+    auto tuple = checked(PyTuple_New(Size), where);
+    for (std::size_t index = 0; index < Size; ++index) {
+        PyTuple_SET_ITEM(tuple.get(), static_cast<Py_ssize_t>(index), items[index].release());
+    }
+    return tuple;
+}
+
+/// `print text`: to whatever `sys.stdout` is at this moment.
+void print(const char* text, Where where = Where::here());
+
+}  // namespace morvesk::python

@@ -1,0 +1,14 @@
+// Strings that are made by the thousand for a long catalogue, and texts that are put together from others.
+#pragma once
+
+#include "python/object.hpp"
+
+namespace morvesk::python {
+
+/// A tuple of strings.
+Ref makeStringTuple(const std::string_view* strings, std::size_t count, Where where = Where::here());
+
+/// `format % (values...)`, for a format with a "%s" for every value and no other "%".
+Ref makeText(std::string_view format, std::initializer_list<Value> values, Where where = Where::here());
+
+}  // namespace morvesk::python
