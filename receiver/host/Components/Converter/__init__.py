@@ -1,0 +1,1 @@
+"""What turns a source into another form, for skins to choose."""

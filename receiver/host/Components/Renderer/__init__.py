@@ -1,0 +1,1 @@
+"""What shows a source on screen, for skins to choose."""

@@ -1,0 +1,1 @@
+"""Where widgets get what they show from."""

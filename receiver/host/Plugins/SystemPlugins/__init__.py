@@ -1,0 +1,1 @@
+"""Plug-ins that set the receiver up."""

@@ -1,0 +1,1 @@
+"""The dialogs of the host, and the session that they live in."""

@@ -1,0 +1,1 @@
+"""Helpers for files, folders and pictures."""
