@@ -1,0 +1,45 @@
+# The package that a receiver's package manager installs: `cpack` in the build folder, or the target `package`.
+if(NOT CMAKE_BUILD_TYPE STREQUAL "Release")
+    return()
+endif()
+
+# Image feeds name the architecture after how the image was tuned, which no compiler tells.
+function(guess_architecture result)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -dumpmachine OUTPUT_VARIABLE machine OUTPUT_STRIP_TRAILING_WHITESPACE)
+    string(REGEX REPLACE "-.*" "" processor "${machine}")
+    set(feeds_arm armv7ahf-neon)
+    set(feeds_aarch64 aarch64)
+    set(feeds_mipsel mips32el)
+    if(DEFINED feeds_${processor})
+        set(processor ${feeds_${processor}})
+    endif()
+    set(${result} "${processor}" PARENT_SCOPE)
+endfunction()
+
+guess_architecture(architecture)
+set(MORVESK_PACKAGE_NAME enigma2-plugin-systemplugins-qelpanel-morvesk CACHE STRING "Name of the package")
+set(MORVESK_PACKAGE_ARCHITECTURE ${architecture} CACHE STRING "Architecture of the package, as the image's feed names it")
+set(MORVESK_PACKAGE_DEPENDS
+    "enigma2, libc6, libgcc1, libstdc++6, python-core, python-datetime, python-netclient, python-shell"
+    CACHE STRING "Packages of the image that the module needs")
+
+install(TARGETS Morvesk
+    LIBRARY DESTINATION lib/enigma2/python/Plugins/SystemPlugins/QelPanel
+    PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+
+# The feeds' versions end in that of the recipe; ours changes with every release, so that this one need not.
+set(CPACK_MORVESK_VERSION ${PROJECT_VERSION}-r0)
+set(CPACK_MORVESK_NAME ${MORVESK_PACKAGE_NAME})
+set(CPACK_MORVESK_ARCHITECTURE ${MORVESK_PACKAGE_ARCHITECTURE})
+set(CPACK_MORVESK_DEPENDS ${MORVESK_PACKAGE_DEPENDS})
+set(CPACK_MORVESK_DESCRIPTION ${PROJECT_DESCRIPTION})
+set(CPACK_MORVESK_AR ${CMAKE_AR})
+
+set(CPACK_GENERATOR External)
+set(CPACK_EXTERNAL_ENABLE_STAGING ON)
+set(CPACK_EXTERNAL_PACKAGE_SCRIPT ${CMAKE_CURRENT_LIST_DIR}/ipk.cmake)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_PACKAGE_NAME ${MORVESK_PACKAGE_NAME})
+set(CPACK_PACKAGE_FILE_NAME ${MORVESK_PACKAGE_NAME}_${CPACK_MORVESK_VERSION}_${MORVESK_PACKAGE_ARCHITECTURE})
+set(CPACK_VERBATIM_VARIABLES ON)
+include(CPack)
