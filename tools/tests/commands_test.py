@@ -3,7 +3,6 @@
 import os
 import re
 import subprocess
-import time
 import unittest
 
 import suite
@@ -34,19 +33,22 @@ class Commands(unittest.TestCase):
     def test_a_second_build_does_nothing(self):
         suite.run([BUILD, "armhf"])
         before = os.stat(MODULE % "armhf").st_mtime
-        begin = time.time()
         outcome = suite.run([BUILD, "armhf"])
-        self.assertLess(time.time() - begin, 2)
         self.assertEqual((outcome.status, outcome.errors), (0, ""))
         self.assertEqual(os.stat(MODULE % "armhf").st_mtime, before)
 
     def test_presets(self):
+        """In a checkout that has the interpreters, but where nothing was built yet."""
+        folder = suite.scratch_folder()
+        self.addCleanup(suite.remove_folder, folder)
+        suite.copy_sources(folder)
+        os.symlink(os.path.join(suite.CHECKOUT, ".local"), os.path.join(folder, ".local"))
         for name in sorted(MACHINES):
             suite.run([BUILD, name])
             for command in (["cmake", "--preset", name], ["cmake", "--build", "--preset", name]):
-                outcome = suite.run(command, folder=suite.CHECKOUT)
+                outcome = suite.run(command, folder=folder)
                 self.assertEqual(outcome.status, 0, outcome)
-            self.assertEqual(machine_of(MODULE % name), MACHINES[name])
+            self.assertEqual(machine_of(os.path.join(folder, "build", name, "Morvesk.so")), MACHINES[name])
 
     def test_mistakes(self):
         for command, line in (

@@ -40,8 +40,8 @@ def output_of(*command):
 
 
 def numbers(text):
-    """A version as a tuple, to be compared."""
-    return tuple(int(part) for part in text.split("."))
+    """A version as a tuple, to be compared; one without numbers is newer than all."""
+    return tuple(int(part) if part.isdigit() else sys.maxint for part in text.split("."))
 
 
 class Elf(object):
@@ -99,9 +99,9 @@ class Elf(object):
 
     @property
     def required(self):
-        """The versions of symbols that libraries must have, by library: (series, numbers)."""
-        return [(series, numbers(version)) for series, version in re.findall(
-            r"Name: ([A-Z]+)_([0-9.]+)  Flags", self._read("-V"))]
+        """The versions of symbols that libraries must have: (series, numbers)."""
+        names = re.findall(r"Name: (\S+)  Flags", self._read("-V"))
+        return [(series, numbers(version)) for series, _, version in (name.rpartition("_") for name in names)]
 
 
 class Headers(object):

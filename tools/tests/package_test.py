@@ -12,7 +12,9 @@ import sys
 import tarfile
 import unittest
 
+import placed
 import suite
+from placed import process, support
 
 KIND = os.environ.get("MORVESK_KIND", "armhf")
 ARCHITECTURE = {"armhf": "armv7ahf-neon", "arm64": "aarch64", "mipsel": "mips32el"}[KIND]
@@ -154,11 +156,9 @@ class Making(PackageCase):
     def build(self, name, umask, settings=(), **environment):
         """Builds from a copy of the sources, as on another machine; gives the package."""
         copy, build = self.path(name), self.path(name, "the build")
-        os.makedirs(os.path.join(copy, "plugin"))
-        for part in ("CMakeLists.txt", "cmake", "plugin/CMakeLists.txt", "plugin/src"):
-            subprocess.check_call(["cp", "-r", os.path.join(suite.CHECKOUT, part), os.path.join(copy, part)])
-        command = 'umask %s && cmake -S "$0" -B "$1" -G Ninja --toolchain "$0/cmake/%s.cmake" -DCMAKE_BUILD_TYPE=Release ' \
-            '-DBUILD_TESTING=OFF "-DMORVESK_PYTHON_INCLUDE=%s" "$@" && cmake --build "$1"' % (umask, KIND, HEADERS)
+        suite.copy_sources(copy)
+        command = 'umask %s && cmake -S "$0" -B "$1" -G Ninja --toolchain "$0/cmake/%s.cmake" ' \
+            '"-DMORVESK_PYTHON_INCLUDE=%s" "$@" && cmake --build "$1"' % (umask, KIND, HEADERS)
         outcome = suite.run(["sh", "-c", command, copy, build] + list(settings), environment)
         self.assertEqual(outcome.status, 0, outcome)
         return packed(build, self.path(name, "packages"))
@@ -202,6 +202,24 @@ class Installed(PackageCase):
             {"MORVESK_PYTHON": PYTHON, "MORVESK_MODULE": os.path.join(self.root, PANEL, "Morvesk.so")})
         self.assertEqual((outcome.status, outcome.output), (0, ""), outcome)
         self.assertRegexpMatches(outcome.errors, r"\A\.\n-+\nRan 1 test in ")
+
+    def receiver_without_module(self, name):
+        """A receiver whose panel lacks the module."""
+        receiver = placed.Placed(self.path(name), os.path.join(BUILD, "Morvesk.so"))
+        self.addCleanup(receiver.remove)
+        os.remove(receiver.path(PANEL + "/Morvesk.so"))
+        return receiver
+
+    def test_in_its_place_on_the_receiver(self):
+        os.environ["MORVESK_PYTHON"] = PYTHON
+        self.addCleanup(os.environ.pop, "MORVESK_PYTHON")
+        outcome, lines = self.receiver_without_module("before").play("ok ok ok")
+        self.assertEqual((outcome, lines[-1]), (process.CRASHED, "ImportError: No module named Morvesk"))
+        receiver = self.receiver_without_module("after")
+        subprocess.check_call(["cp", "-R", os.path.join(self.root, "."), receiver.path("/")])
+        self.assertEqual(receiver.play("ok ok ok"), (process.CLOSED, []))
+        installed = set(receiver.files("etc/enigma2")) - set(support.own_settings())
+        self.assertEqual(installed, set(support.new_list()) - set(support.own_settings()) | set(["lamedb5"]))
 
     def test_only_the_module_was_unpacked(self):
         found = [os.path.relpath(os.path.join(path, name), self.root)

@@ -79,6 +79,17 @@ class Reader(unittest.TestCase):
             __attribute__((constructor)) static void start() { std::puts(std::pmr::get_default_resource() ? "1" : "2"); }
             """), SOUND + ["-std=c++17"])
 
+    def test_a_version_without_a_number(self):
+        self.check(["test_versions_of_symbols"], source(more="""
+            extern "C" int __libc_alloca_cutoff(std::size_t);
+            __attribute__((constructor)) static void start() { if (__libc_alloca_cutoff(1)) std::puts("1"); }"""))
+
+    def test_a_version_of_another_series(self):
+        self.check(["test_versions_of_symbols"], source(more="""
+            extern "C" void __aeabi_vec_delete(void*, void (*)(void*));
+            __attribute__((constructor)) static void start() { __aeabi_vec_delete(nullptr, nullptr); }"""),
+                   compiler="arm-linux-gnueabihf-g++")
+
     def test_an_executable_stack(self):
         self.check(["test_no_executable_stack"], flags=SOUND + ["-Wl,-z,execstack"])
 

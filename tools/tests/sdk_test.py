@@ -90,7 +90,8 @@ class Sdk(unittest.TestCase):
         self.make_sysroot()
         self.write(self.environment_file, ENVIRONMENT)
         self.write(self.toolchain_file, TOOLCHAIN)
-        self.copy_sources()
+        self.checkout = os.path.join(self.folder, "checkout")
+        suite.copy_sources(self.checkout)
 
     def write(self, path, text, mode=0o644):
         if not os.path.isdir(os.path.dirname(path)):
@@ -116,12 +117,6 @@ class Sdk(unittest.TestCase):
         subprocess.check_call(["cp", "-r", ARMHF + "/include/python2.7", headers])
         os.remove(headers + "/pyconfig.h")
         subprocess.check_call(["cp", ARMHF + "/include/%s/python2.7/pyconfig.h" % REAL, headers])
-
-    def copy_sources(self):
-        self.checkout = os.path.join(self.folder, "checkout")
-        os.makedirs(os.path.join(self.checkout, "plugin"))
-        for part in ("CMakeLists.txt", "CMakePresets.json", "cmake", "plugin/CMakeLists.txt", "plugin/src"):
-            subprocess.check_call(["cp", "-r", os.path.join(suite.CHECKOUT, part), os.path.join(self.checkout, part)])
 
     def build(self, text):
         """Runs the page's commands in the checkout, with this SDK in the place of the page's."""

@@ -55,6 +55,13 @@ def scratch_folder():
     return tempfile.mkdtemp(dir=parent)
 
 
+def copy_sources(folder):
+    """Copies what the module is built from."""
+    os.makedirs(os.path.join(folder, "plugin"))
+    for part in ("CMakeLists.txt", "CMakePresets.json", "cmake", "plugin/CMakeLists.txt", "plugin/src"):
+        subprocess.check_call(["cp", "-r", os.path.join(CHECKOUT, part), os.path.join(folder, part)])
+
+
 def remove_folder(folder):
     """Removes a folder, write-protected ones in it too; its files may be links to files that stay."""
     subprocess.call(["find", folder, "-type", "d", "-exec", "chmod", "u+w", "{}", "+"])

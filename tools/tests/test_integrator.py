@@ -3,21 +3,12 @@
 import ast
 import os
 import re
-import sys
 import unittest
 import xml.etree.ElementTree as ElementTree
 
+import placed
 import suite
-
-RECEIVER = os.path.join(suite.CHECKOUT, "receiver")
-sys.path[1:1] = [RECEIVER, os.path.join(RECEIVER, "host"), os.path.join(RECEIVER, "tests")]
-import instance
-import module_file
-import options
-import process
-import sample
-import start
-import support
+from placed import RECEIVER, process, support
 
 DOCS = os.path.join(suite.CHECKOUT, "docs")
 PANEL = os.path.join(RECEIVER, "host", "Plugins", "SystemPlugins", "QelPanel")
@@ -215,30 +206,15 @@ class OnAReceiver(unittest.TestCase):
         self.addCleanup(suite.remove_folder, self.folder)
 
     def install(self, keys):
-        """Plays an installation; gives what lies in the folders that can be written, and the receiver's own log."""
-        feed = support.write_folder(os.path.join(self.folder, "feed" + keys[3]), support.feed())
-        settings = support.write_folder(os.path.join(self.folder, "settings" + keys[3]), support.own_settings())
-        asked = options.Options(["--keys", keys, "--feed", feed, "--settings", settings], False)
-        module = module_file.ModuleFile(MODULE)
-        receiver = instance.Instance(os.path.join(suite.CHECKOUT, "build", "receivers"))
-        try:
-            start.prepare(receiver, asked, module, sample.Sample(RECEIVER, os.path.join(suite.CHECKOUT, "build", "feed")))
-            programs = support.read_folder(receiver.inside("usr/lib/enigma2"))
-            output = os.dup(1)
-            with open(os.devnull, "w") as nothing:
-                os.dup2(nothing.fileno(), 1)
-            try:
-                end = process.run(os.path.join(suite.TOOLS, "sandbox"), receiver, module, 0, keys)
-            finally:
-                os.dup2(output, 1)
-                os.close(output)
-            self.assertEqual((end.outcome, end.lines), (process.CLOSED, []))
-            self.assertEqual(support.read_folder(receiver.inside("usr/lib/enigma2")), programs)
-            self.assertEqual(os.listdir(receiver.inside("etc/opkg")), ["all-feed.conf"])
-            self.assertEqual(sorted(name for name in support.read_folder(receiver.inside("srv/feed"))), sorted(support.feed()))
-            return os.listdir(receiver.inside("tmp")), support.read_folder(receiver.inside("etc/enigma2"))
-        finally:
-            receiver.remove()
+        """Plays an installation; gives what lies in the folders that can be written."""
+        receiver = placed.Placed(os.path.join(self.folder, keys), MODULE)
+        self.addCleanup(receiver.remove)
+        programs = receiver.files("usr/lib/enigma2")
+        self.assertEqual(receiver.play(keys), (process.CLOSED, []))
+        self.assertEqual(receiver.files("usr/lib/enigma2"), programs)
+        self.assertEqual(os.listdir(receiver.path("etc/opkg")), ["all-feed.conf"])
+        self.assertEqual(sorted(receiver.files("srv/feed")), sorted(support.feed()))
+        return os.listdir(receiver.path("tmp")), receiver.files("etc/enigma2")
 
     def test_what_is_written(self):
         temporary, settings = self.install("ok ok ok")
