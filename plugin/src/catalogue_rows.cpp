@@ -24,7 +24,7 @@ Ref makeRow(const Object& entry, const screen::Picture& picture) {
     auto headline = makeText("%s - %s", {entry.item(0).take(), entry.item(1).take()});
     auto description = makeText("%s", {entry.item(2).take()});
     auto icon = picture.load().take();
-    return python::packTuple<5>(
+    return python::makeTuple(
         {std::move(archive), std::move(headline), std::move(description), std::move(icon), entry.item(1).take()});
 }
 

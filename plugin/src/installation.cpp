@@ -50,7 +50,7 @@ void askHowToInstall(const Module& module, const Object& self) {
     const auto callback = self.attr(Name::installNewFavourites);
     const auto choiceBox = module.global(Name::ChoiceBox);
     const auto title = module.translate("How to install new service lists...");
-    open({callback, choiceBox}, {{Name::title, title}, {Name::list, choices}});
+    open({callback, choiceBox}, {Name::title, title, Name::list, choices});
 }
 
 /// Gives the open channel list what it showed before, so that it is built again from the new services.
@@ -69,7 +69,7 @@ Object keyOk(const Module& module, const Object& self) {
     if (!row.truth() || !row.item(0).truth()) return module.object(NONE);
 
     makeDownloadFolder(module, self);
-    if (!module.global(Name::fileExists)({self.attr(Name::tmp_path)}, {{Name::mode, "w"}}).truth()) {
+    if (!module.global(Name::fileExists)({self.attr(Name::tmp_path)}, {Name::mode, "w"}).truth()) {
         screen::showMessage(module, self, "Sorry, creating download folder failed", Name::TYPE_ERROR);
         return module.object(NONE);
     }

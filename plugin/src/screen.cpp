@@ -89,7 +89,7 @@ Picture::Picture(const Module& module, const char* fileName)
 Object Picture::load() const {
     const auto loadPixmap = module_.global(Name::LoadPixmap);
     const auto path = module_.global(Name::resolveFilename)({module_.global(Name::SCOPE_PLUGINS), path_});
-    return loadPixmap({}, {{Name::cached, true}, {Name::path, path}});
+    return loadPixmap({}, {Name::cached, true, Name::path, path});
 }
 
 Ref makeNotice(const Module& module, const char* headline, const char* text) {

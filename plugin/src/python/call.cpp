@@ -10,27 +10,25 @@ namespace {
 /// them.
 class Stack {
   public:
-    // The most that a call of ours has: self, three arguments and two keywords.
-    static constexpr std::size_t SIZE = 8;
-
-    void push(PyObject* object) { objects_.at(size_++) = object; }
+    void push(PyObject* object) noexcept { objects_[size_++] = object; }
     PyObject** data() noexcept { return objects_.data(); }
 
   private:
-    std::array<PyObject*, SIZE> objects_;
+    // self, the arguments, and a name and a value for each keyword
+    std::array<PyObject*, 1 + References::MOST + 2 * Keywords::MOST> objects_;
     std::size_t size_ = 0;
 };
 
-PyObject* callFunction(PyObject* function, PyObject* self, std::initializer_list<Value> arguments,
-                       std::initializer_list<Keyword> keywords, Names names) {
+PyObject* callFunction(PyObject* function, PyObject* self, const Arguments& arguments, const Keywords& keywords,
+                       Names names) {
     Stack stack;
     if (self != nullptr) stack.push(self);
-    for (const auto& argument : arguments) {
-        stack.push(argument.get());
+    for (PyObject* const argument : arguments) {
+        stack.push(argument);
     }
-    for (const auto& keyword : keywords) {
-        stack.push(names[keyword.name]);
-        stack.push(keyword.value.get());
+    for (std::size_t index = 0; index < keywords.size(); ++index) {
+        stack.push(names[keywords.name(index)]);
+        stack.push(keywords.value(index));
     }
     const auto positional = static_cast<int>(arguments.size()) + (self != nullptr ? 1 : 0);
     PyObject* const defaults = PyFunction_GET_DEFAULTS(function);
@@ -42,25 +40,24 @@ PyObject* callFunction(PyObject* function, PyObject* self, std::initializer_list
         hasDefaults ? static_cast<int>(PyTuple_GET_SIZE(defaults)) : 0, PyFunction_GET_CLOSURE(function));
 }
 
-Ref makeDict(std::initializer_list<Keyword> keywords, Names names, Where where) {
+Ref makeDict(const Keywords& keywords, Names names, Where where) {
     if (keywords.size() == 0) return {};
     auto dict = checked(PyDict_New(), where);
-    for (const auto& keyword : keywords) {
-        checked(PyDict_SetItem(dict.get(), names[keyword.name], keyword.value.get()), where);
+    for (std::size_t index = 0; index < keywords.size(); ++index) {
+        checked(PyDict_SetItem(dict.get(), names[keywords.name(index)], keywords.value(index)), where);
     }
     return dict;
 }
 
 }  // namespace
 
-PyObject* call(PyObject* callable, std::initializer_list<Value> arguments, std::initializer_list<Keyword> keywords,
-               Names names, Where where) {
+PyObject* call(PyObject* callable, Arguments&& arguments, const Keywords& keywords, Names names, Where where) {
     if (PyFunction_Check(callable)) return callFunction(callable, nullptr, arguments, keywords, names);
     if (PyMethod_Check(callable) && PyMethod_GET_SELF(callable) != nullptr &&
         PyFunction_Check(PyMethod_GET_FUNCTION(callable))) {
         return callFunction(PyMethod_GET_FUNCTION(callable), PyMethod_GET_SELF(callable), arguments, keywords, names);
     }
-    const auto tuple = makeTuple(arguments, where);
+    const auto tuple = makeTuple(std::move(arguments), where);
     const auto dict = makeDict(keywords, names, where);
     return PyObject_Call(callable, tuple.get(), dict.get());
 }

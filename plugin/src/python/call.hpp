@@ -10,7 +10,6 @@ namespace morvesk::python {
 ///
 /// A function that is written in Python, as nearly all of the host's are, gets its arguments without a tuple and a dict
 /// around them, as it would from Python code.
-PyObject* call(PyObject* callable, std::initializer_list<Value> arguments, std::initializer_list<Keyword> keywords,
-               Names names, Where where);
+PyObject* call(PyObject* callable, Arguments&& arguments, const Keywords& keywords, Names names, Where where);
 
 }  // namespace morvesk::python

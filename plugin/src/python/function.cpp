@@ -7,7 +7,7 @@ namespace morvesk::python {
 
 namespace {
 
-using Arguments = std::array<Object, Function::MOST_PARAMETERS>;
+using Parameters = std::array<Object, Function::MOST_PARAMETERS>;
 
 /// Gives a call's arguments their places, or raises TypeError, as and in the words in which the interpreter does it for
 /// a function that is written in Python.
@@ -15,7 +15,7 @@ class Binder {
   public:
     Binder(const Function& function, const Module& module) : function_(function), names_(module.names()) {}
 
-    Arguments bind(PyObject* positional, PyObject* keywords) {
+    Parameters bind(PyObject* positional, PyObject* keywords) {
         const auto given = static_cast<std::size_t>(PyTuple_GET_SIZE(positional));
         const auto named = keywords == nullptr ? 0 : static_cast<std::size_t>(PyDict_Size(keywords));
         if (function_.count == 0 && given + named > 0) {
@@ -29,13 +29,13 @@ class Binder {
         }
         if (named > 0) bindKeywords(keywords);
         checkRequired(given);
-        return std::move(arguments_);
+        return std::move(parameters_);
     }
 
   private:
     bool isAnyOptional() const { return function_.required < function_.count; }
 
-    void place(std::size_t index, PyObject* value) { arguments_[index] = Object(Ref::borrow(value), names_); }
+    void place(std::size_t index, PyObject* value) { parameters_[index] = Object(Ref::borrow(value), names_); }
 
     void bindKeywords(PyObject* keywords) {
         Py_ssize_t position = 0;
@@ -46,7 +46,7 @@ class Binder {
             const auto key = Ref::borrow(nextKey);
             const auto value = Ref::borrow(nextValue);
             const auto index = find(key.get());
-            if (arguments_[index]) {
+            if (parameters_[index]) {
                 raiseKeyword("%.200s() got multiple values for keyword argument '%.400s'", key.get());
             }
             place(index, value.get());
@@ -69,10 +69,10 @@ class Binder {
 
     void checkRequired(std::size_t positional) const {
         for (std::size_t index = positional; index < function_.required; ++index) {
-            if (arguments_[index]) continue;
+            if (parameters_[index]) continue;
             std::size_t given = 0;
-            for (const auto& argument : arguments_) {
-                given += argument ? 1 : 0;
+            for (const auto& parameter : parameters_) {
+                given += parameter ? 1 : 0;
             }
             raiseCount(isAnyOptional() ? "at least" : "exactly", function_.required, given);
         }
@@ -87,7 +87,7 @@ class Binder {
     [[noreturn]] void raiseKeyword(const char* format, PyObject* keyword) const {
         Object text(Ref::borrow(keyword), names_);
         if (PyUnicode_Check(keyword)) {
-            text = text.attr(Name::encode, function_.where)({}, {{Name::errors, "replace"}}, function_.where);
+            text = text.attr(Name::encode, function_.where)({}, {Name::errors, "replace"}, function_.where);
         }
         raise(format, function_.name, text.bytes("an encoded keyword", function_.where).data());
     }
@@ -100,7 +100,7 @@ class Binder {
 
     const Function& function_;
     Names names_;
-    Arguments arguments_;
+    Parameters parameters_;
 };
 
 }  // namespace

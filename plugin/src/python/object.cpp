@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "python/call.hpp"
 
 namespace morvesk::python {
@@ -31,13 +33,12 @@ void Object::setItem(const Value& key, const Value& value, Where where) const {
     checked(PyObject_SetItem(get(), key.get(), value.get()), where);
 }
 
-Object Object::operator()(std::initializer_list<Value> arguments, Where where) const {
-    return operator()(arguments, {}, where);
+Object Object::operator()(Arguments&& arguments, Where where) const {
+    return operator()(std::move(arguments), {}, where);
 }
 
-Object Object::operator()(std::initializer_list<Value> arguments, std::initializer_list<Keyword> keywords,
-                          Where where) const {
-    return {checked(python::call(get(), arguments, keywords, names_, where), where), names_};
+Object Object::operator()(Arguments&& arguments, const Keywords& keywords, Where where) const {
+    return {checked(python::call(get(), std::move(arguments), keywords, names_, where), where), names_};
 }
 
 Object Object::call(Name name, Where where) const {
@@ -109,21 +110,17 @@ Object Elements::next() const {
     return {std::move(element), names_};
 }
 
-Ref makeTuple(std::initializer_list<Value> items, Where where) {
+Ref makeTuple(Arguments&& items, Where where) {
     auto tuple = checked(PyTuple_New(static_cast<Py_ssize_t>(items.size())), where);
-    Py_ssize_t index = 0;
-    for (const auto& item : items) {
-        PyTuple_SET_ITEM(tuple.get(), index++, Ref(item.ref()).release());
-    }
+    std::copy(items.begin(), items.end(), &PyTuple_GET_ITEM(tuple.get(), 0));
+    items.release();
     return tuple;
 }
 
-Ref makeList(std::initializer_list<Value> items, Where where) {
+Ref makeList(Arguments&& items, Where where) {
     auto list = checked(PyList_New(static_cast<Py_ssize_t>(items.size())), where);
-    Py_ssize_t index = 0;
-    for (const auto& item : items) {
-        PyList_SET_ITEM(list.get(), index++, Ref(item.ref()).release());
-    }
+    std::copy(items.begin(), items.end(), reinterpret_cast<PyListObject*>(list.get())->ob_item);
+    items.release();
     return list;
 }
 

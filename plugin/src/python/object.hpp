@@ -2,61 +2,13 @@
 // operation is the interpreter's own and throws Error where it raises.
 #pragma once
 
-#include <array>
-#include <initializer_list>
-#include <string>
 #include <string_view>
 #include <utility>
 
-#include "names.hpp"
 #include "python/error.hpp"
+#include "python/value.hpp"
 
 namespace morvesk::python {
-
-/// The interned strings of the names, in the order of Name. They belong to the module, which outlives every call of its
-/// functions.
-class Names {
-  public:
-    Names() noexcept = default;
-    explicit Names(PyObject* const* strings) noexcept : strings_(strings) {}
-
-    PyObject* operator[](Name name) const noexcept { return strings_[static_cast<Py_ssize_t>(name)]; }
-
-  private:
-    PyObject* const* strings_ = nullptr;
-};
-
-class Object;
-
-struct NoneType {};
-inline constexpr NoneType NONE;
-
-/// Anything that can be handed to the interpreter: an object, or a C++ value that is made into one.
-class Value {
-  public:
-    Value(const Object& object) noexcept;
-    Value(Ref ref) noexcept : ref_(std::move(ref)) {}
-    Value(NoneType) noexcept;
-    Value(bool value) noexcept;
-    Value(const void*) = delete;  // any other pointer would become a bool
-    Value(int value);
-    Value(double value);
-    Value(std::string_view bytes);
-    Value(const std::string& bytes) : Value(std::string_view(bytes)) {}
-    Value(const char* text) : Value(std::string_view(text)) {}
-
-    const Ref& ref() const noexcept { return ref_; }
-    PyObject* get() const noexcept { return ref_.get(); }
-
-  private:
-    Ref ref_;
-};
-
-/// A keyword argument.
-struct Keyword {
-    Name name;
-    Value value;
-};
 
 /// A reference to an object of the interpreter; empty where an optional argument was not given.
 class Object {
@@ -85,9 +37,8 @@ class Object {
 
     /// Calls the object. Arguments are evaluated from left to right, after the object that is called, as Python does;
     /// but which of the two lists comes first is the compiler's choice, so at most one may hold what does something.
-    Object operator()(std::initializer_list<Value> arguments = {}, Where where = Where::here()) const;
-    Object operator()(std::initializer_list<Value> arguments, std::initializer_list<Keyword> keywords,
-                      Where where = Where::here()) const;
+    Object operator()(Arguments&& arguments = {}, Where where = Where::here()) const;
+    Object operator()(Arguments&& arguments, const Keywords& keywords, Where where = Where::here()) const;
 
     /// `self.name()`
     Object call(Name name, Where where = Where::here()) const;
@@ -154,18 +105,8 @@ class Elements {
     Where where_;
 };
 
-Ref makeTuple(std::initializer_list<Value> items, Where where = Where::here());
-Ref makeList(std::initializer_list<Value> items = {}, Where where = Where::here());
-
-/// A tuple that takes over the references.
-template <std::size_t Size>
-Ref packTuple(std::array<Ref, Size> items, Where where = Where::here()) {
-    auto tuple = checked(PyTuple_New(Size), where);
-    for (std::size_t index = 0; index < Size; ++index) {
-        PyTuple_SET_ITEM(tuple.get(), static_cast<Py_ssize_t>(index), items[index].release());
-    }
-    return tuple;
-}
+Ref makeTuple(Arguments&& items, Where where = Where::here());
+Ref makeList(Arguments&& items = {}, Where where = Where::here());
 
 /// `print text`: to whatever `sys.stdout` is at this moment.
 void print(const char* text, Where where = Where::here());

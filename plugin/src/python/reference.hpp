@@ -4,6 +4,8 @@
 #define PY_SSIZE_T_CLEAN
 #include <Python.h>
 
+#include <array>
+#include <cstddef>
 #include <utility>
 
 namespace morvesk::python {
@@ -24,7 +26,7 @@ class Ref {
 
     Ref(const Ref& other) noexcept : object_(other.object_) { Py_XINCREF(object_); }
     Ref(Ref&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
-    // The analyser loses sight of the elements of an initializer list.
+    // The analyser loses sight of the elements of a pair.
     ~Ref() { drop(object_); }  // NOLINT(clang-analyzer-core.CallAndMessage)
 
     // By value: the old object is released last, when nothing refers to it through this reference any more.
@@ -46,6 +48,32 @@ class Ref {
     static void drop(PyObject* object) noexcept;
 
     PyObject* object_ = nullptr;
+};
+
+/// Owns references that stand side by side, the way in which the interpreter takes the arguments of a call.
+class References {
+  public:
+    // A list row has five elements, and no call has more arguments.
+    static constexpr std::size_t MOST = 5;
+
+    References() noexcept = default;
+    References(const References&) = delete;
+    References& operator=(const References&) = delete;
+    ~References();
+
+    /// For MOST references at most.
+    void push(Ref reference) noexcept { objects_[size_++] = reference.release(); }
+
+    std::size_t size() const noexcept { return size_; }
+    PyObject* const* begin() const noexcept { return objects_.data(); }
+    PyObject* const* end() const noexcept { return objects_.data() + size_; }
+
+    /// Gives all the references to the caller, who has read them.
+    void release() noexcept { size_ = 0; }
+
+  private:
+    std::array<PyObject*, MOST> objects_;
+    std::size_t size_ = 0;
 };
 
 }  // namespace morvesk::python

@@ -20,27 +20,26 @@ namespace {
 
 constexpr std::string_view PLACEHOLDER = "%s";
 
-bool areStrings(std::initializer_list<Value> values) {
-    return std::all_of(values.begin(), values.end(),
-                       [](const Value& value) { return PyString_CheckExact(value.get()); });
+bool areStrings(const Arguments& values) {
+    return std::all_of(values.begin(), values.end(), [](PyObject* value) { return PyString_CheckExact(value); });
 }
 
-Py_ssize_t filledSize(std::string_view format, std::initializer_list<Value> strings) {
+Py_ssize_t filledSize(std::string_view format, const Arguments& strings) {
     auto size = static_cast<Py_ssize_t>(format.size() - strings.size() * PLACEHOLDER.size());
-    for (const auto& string : strings) {
-        size += PyString_GET_SIZE(string.get());
+    for (PyObject* const string : strings) {
+        size += PyString_GET_SIZE(string);
     }
     return size;
 }
 
 /// What the formatting does to strings, without its detour over every byte of the format.
-Ref fill(std::string_view format, std::initializer_list<Value> strings, Where where) {
+Ref fill(std::string_view format, const Arguments& strings, Where where) {
     auto text = checked(PyString_FromStringAndSize(nullptr, filledSize(format, strings)), where);
     char* end = PyString_AS_STRING(text.get());
-    for (const auto& string : strings) {
+    for (PyObject* const string : strings) {
         const auto placeholder = format.find(PLACEHOLDER);
         end = std::copy_n(format.data(), placeholder, end);
-        end = std::copy_n(PyString_AS_STRING(string.get()), PyString_GET_SIZE(string.get()), end);
+        end = std::copy_n(PyString_AS_STRING(string), PyString_GET_SIZE(string), end);
         format.remove_prefix(placeholder + PLACEHOLDER.size());
     }
     std::copy(format.begin(), format.end(), end);
@@ -49,10 +48,10 @@ Ref fill(std::string_view format, std::initializer_list<Value> strings, Where wh
 
 }  // namespace
 
-Ref makeText(std::string_view format, std::initializer_list<Value> values, Where where) {
+Ref makeText(std::string_view format, Arguments&& values, Where where) {
     if (areStrings(values)) return fill(format, values, where);
     const Value text(format);
-    const auto tuple = makeTuple(values, where);
+    const auto tuple = makeTuple(std::move(values), where);
     return checked(PyString_Format(text.get(), tuple.get()), where);
 }
 

@@ -9,6 +9,6 @@ namespace morvesk::python {
 Ref makeStringTuple(const std::string_view* strings, std::size_t count, Where where = Where::here());
 
 /// `format % (values...)`, for a format with a "%s" for every value and no other "%".
-Ref makeText(std::string_view format, std::initializer_list<Value> values, Where where = Where::here());
+Ref makeText(std::string_view format, Arguments&& values, Where where = Where::here());
 
 }  // namespace morvesk::python
