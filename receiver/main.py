@@ -16,7 +16,7 @@ _RUN = "/run"
 _FEED_FOLDER = "/srv/feed"
 _FEED_CONFIGURATION = "/etc/opkg/all-feed.conf"
 _SERVER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "server.py")
-_DYING_SECONDS = 0.5
+_DYING_SECONDS = 3.0
 
 
 def _options():

@@ -305,7 +305,7 @@ class Running(object):
                 raise
 
 
-def wait_for(condition, seconds=10):
+def wait_for(condition, seconds=60):
     """Waits until the condition gives something true, and gives it."""
     give_up = time.time() + seconds
     while time.time() < give_up:

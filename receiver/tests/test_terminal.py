@@ -112,13 +112,13 @@ class Terminal(object):
                     return screen
             return None
         try:
-            return wait_for(shown, 20)
+            return wait_for(shown)
         except AssertionError:
             raise AssertionError("waited in vain for\n%s\non the screen\n%s" % (text, self.screen()))
 
     def wait_until(self, holds):
         """Waits until something holds of the screen; gives it."""
-        return wait_for(lambda: [screen for screen in [self.screen()] if holds(screen)], 20)[0]
+        return wait_for(lambda: [screen for screen in [self.screen()] if holds(screen)])[0]
 
 
 class OnATerminal(support.ReceiverCase):
