@@ -99,15 +99,18 @@ class AllocationSweep(unittest.TestCase):
         for operation in OPERATIONS:
             for kind in sorted(set(kind for kind, _ in watched.points)):
                 record.visited("allocation", kind + FLAVOUR, operation.name, watched.points[kind, operation.name])
+        record.check_operations("allocation", [operation.name for operation in OPERATIONS])
         if "memory" in KINDS:
-            self.tell_origins(watched)
+            self.check_origins(watched)
 
-    @staticmethod
-    def tell_origins(watched):
-        """Prints who asked for the memory."""
-        of_each = [[int(number) for number in origins.split()] for key, origins in watched.origins.items() if key[0] == "memory once"]
-        sys.stdout.write("allocation: of the memory %d by the interpreter, %d by operator new, %d by others\n" % tuple(
-            sum(numbers) for numbers in zip(*of_each)))
+    def check_origins(self, watched):
+        """Prints who asked for the memory; but for one object of each class that is made, every allocation has failed."""
+        of_each = dict((operation, [int(number) for number in origins.split()])
+                       for (kind, operation), origins in watched.origins.items() if kind == "memory once")
+        sys.stdout.write("allocation: of the memory %d by the interpreter, %d by operator new, %d by others; spared %d\n" % tuple(
+            sum(numbers) for numbers in zip(*of_each.values())))
+        for operation, numbers in of_each.items():
+            self.assertLessEqual(numbers[-1], operation.startswith("initMorvesk"), operation)
 
 
 if __name__ == "__main__":

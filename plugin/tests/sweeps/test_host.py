@@ -143,19 +143,19 @@ def type_of(error):
     return error.__class__
 
 
-class Point(object):
-    """Where an operation fails, and how: the n-th of its `kind` raises `error`, `made` calls having been made until then."""
-
-    def __init__(self, kind, number, error, guard, made, about):
-        self.kind, self.number, self.error, self.guard, self.made, self.about = kind, number, error, guard, made, about
-
-
 def as_test(operation):
     """The test of one operation."""
     def test(self):
         for kind, count in zip(("calls", "points"), self.sweep(operation)):
             record.visited("host", kind, operation.name, count)
     return test
+
+
+class Record(unittest.TestCase):
+    """The operations themselves do not get fewer."""
+
+    def test_every_operation_on_record_is_there(self):
+        record.check_operations("host", [operation.name for operation in OPERATIONS])
 
 
 for each in OPERATIONS:

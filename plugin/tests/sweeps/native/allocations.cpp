@@ -33,6 +33,13 @@ constexpr std::size_t MOST = static_cast<std::size_t>(-1) / 2;
 sweeps::Allocations allocations{};
 thread_local bool isSweeping [[gnu::tls_model("initial-exec")]] = false;
 
+/// Whether an object is the one that is spared.
+bool isSpared(std::size_t size) {
+    if (!allocations.active || !isSweeping || size != allocations.spared) return false;
+    ++allocations.sparedObjects;
+    return true;
+}
+
 /// Counts an allocation; whether it is one that fails.
 bool fails(Origin origin) {
     if (!allocations.active || !isSweeping || *allocations.frame != allocations.home) return false;
@@ -64,7 +71,7 @@ struct Unexpected : std::exception {
 }
 
 void* allocateObject(std::size_t size) {
-    const bool isFailing = size != allocations.spared && fails(sweeps::FROM_INTERPRETER);
+    const bool isFailing = !isSpared(size) && fails(sweeps::FROM_INTERPRETER);
     return size > MOST || isFailing ? nullptr : __libc_malloc(size == 0 ? 1 : size);
 }
 

@@ -18,14 +18,15 @@ struct Allocations {
     // host. Without memory it crashes there all by itself, calling built-in functions with no arguments at all.
     void* const* frame;
     void* home;
-    // The size of the one object that is spared: the reference by which a class knows the classes derived from it.
-    // Making a class without memory for that crashes the interpreter as well.
+    // The size of the one object that is spared while a class is made, 0 at all other times: the reference by which a
+    // class knows the classes derived from it. The interpreter itself does not survive without memory for that.
     unsigned long spared;
     Thrown thrown;
     bool everyFurther;
     long failing;
     long counted;
     long failed;
+    long sparedObjects;
     long countedBy[ORIGINS];
 };
 

@@ -141,6 +141,30 @@ struct Hook<Function, kind, name> {
     }
 };
 
+Allocations* allocations() {
+    static const auto get = reinterpret_cast<Allocations* (*)()>(dlsym(RTLD_DEFAULT, "sweepAllocations"));
+    return get != nullptr ? get() : nullptr;
+}
+
+/// The size of the reference by which a class knows a class derived from it, as the debug interpreter allocates it.
+std::size_t subclassReference() {
+    constexpr auto debugMarks = 4 * sizeof(std::size_t);
+    return sizeof(PyGC_Head) + static_cast<std::size_t>(_PyWeakref_RefType.tp_basicsize) + debugMarks;
+}
+
+bool isMetaclass(PyObject* object) {
+    return PyType_Check(object) && PyType_IsSubtype(reinterpret_cast<PyTypeObject*>(object), &PyType_Type) != 0;
+}
+
+PyObject* hookCall(PyObject* callable, PyObject* arguments, PyObject* keywords) {
+    if (fails(Kind::Host, "PyObject_Call", callable, arguments, keywords)) return nullptr;
+    Allocations* const state = isMetaclass(callable) ? allocations() : nullptr;
+    if (state != nullptr) state->spared = subclassReference();
+    PyObject* const result = PyObject_Call(callable, arguments, keywords);
+    if (state != nullptr) state->spared = 0;
+    return result;
+}
+
 // Variadic; of ours, no call has more than the format.
 PyObject* hookCallMethod(PyObject* object, char* method, char* format, ...) {
     if (fails(Kind::Host, "PyObject_CallMethod", object, method)) return nullptr;
@@ -176,7 +200,6 @@ struct Entry {
     HOST(PyFile_WriteString)             \
     HOST(PyIter_Next)                    \
     HOST(PyNumber_Add)                   \
-    HOST(PyObject_Call)                  \
     HOST(PyObject_GetAttr)               \
     HOST(PyObject_GetAttrString)         \
     HOST(PyObject_GetItem)               \
@@ -222,6 +245,7 @@ SWEEPS_FUNCTIONS(SWEEPS_NAME, SWEEPS_NAME)
     {SWEEPS_SYMBOL(function), reinterpret_cast<void*>(Hook<function, Kind::Memory, NAME_##function>::call)},
 
 const Entry HOOKS[] = {SWEEPS_FUNCTIONS(SWEEPS_HOST, SWEEPS_MEMORY)  //
+                       {"PyObject_Call", reinterpret_cast<void*>(hookCall)},
                        {"_PyObject_CallMethod_SizeT", reinterpret_cast<void*>(hookCallMethod)},
                        {"PyObject_CallMethod", reinterpret_cast<void*>(hookCallMethod)},
                        {"PyString_FromFormat", reinterpret_cast<void*>(hookFromFormat)},
@@ -383,11 +407,6 @@ PyObject* enter(PyObject* /*self*/, PyObject* arguments) {
     Py_RETURN_NONE;
 }
 
-Allocations* allocations() {
-    static const auto get = reinterpret_cast<Allocations* (*)()>(dlsym(RTLD_DEFAULT, "sweepAllocations"));
-    return get != nullptr ? get() : nullptr;
-}
-
 /// Takes the interpreter's error as (class, value, traceback), without making an instance where there is none yet.
 PyObject* takeError() {
     std::array<PyObject*, 3> parts{};
@@ -424,14 +443,10 @@ PyObject* runMemory(PyObject* function, PyObject* callArguments, Thrown thrown, 
     }
     forgetFreedObjects();
     PyThreadState* const thread = PyThreadState_Get();
-    constexpr auto debugMarks = 4 * sizeof(std::size_t);
-    const auto subclassReference =
-        sizeof(PyGC_Head) + static_cast<std::size_t>(_PyWeakref_RefType.tp_basicsize) + debugMarks;
     *state = {};
     state->active = true;
     state->frame = reinterpret_cast<void* const*>(&thread->frame);
     state->home = thread->frame;
-    state->spared = subclassReference;
     state->thrown = thrown;
     state->everyFurther = further != 0;
     state->failing = failing;
@@ -439,9 +454,9 @@ PyObject* runMemory(PyObject* function, PyObject* callArguments, Thrown thrown, 
     state->active = false;
     const bool raised = value == nullptr;
     if (raised) value = takeError();
-    return Py_BuildValue("(ONll(lll))", raised ? Py_True : Py_False, value, state->counted, state->failed,
+    return Py_BuildValue("(ONll(llll))", raised ? Py_True : Py_False, value, state->counted, state->failed,
                          state->countedBy[FROM_INTERPRETER], state->countedBy[FROM_NEW],
-                         state->countedBy[FROM_ELSEWHERE]);
+                         state->countedBy[FROM_ELSEWHERE], state->sparedObjects);
 }
 
 PyObject* runCalls(PyObject* function, PyObject* callArguments, const Plan& wanted) {
