@@ -15,6 +15,7 @@ import urllib2
 
 import loading
 import recording_host
+import wanted
 from recording_host import CONFIG, FEED_FILE, HOST, call, stamp
 
 SEED = int(os.environ.get("MORVESK_SEED") or random.SystemRandom().randrange(10 ** 9))
@@ -80,67 +81,15 @@ def outcome(function, *arguments):
         return type(error), str(error)
 
 
-# What the functions are expected to give, step by step, in the interpreter's own operations.
-
-
-def expected_address(content):
-    """The address of the download folder."""
-    line = content[:content.index("\n") + 1] if "\n" in content else content
-    return line.strip("src/gz Qel-all ").strip().replace("all", "settings_download/")
-
-
-def expected_entries(body):
-    """The entries of a catalogue."""
-    pieces = [line.split(":::") for line in body.split("\n") if line[:1] != "#"]
-    return [tuple(piece.strip() for piece in four) for four in pieces if len(four) == 4]
-
-
-def expected_name(line):
-    """The name that a root line gives."""
-    def between(quote):
-        """What stands between the first two quotes, in the arithmetic of a search that gives -1."""
-        start = line.find(quote)
-        return line[start + 1:line.find(quote, start + 1)]
-    name = between('"')
-    if name == "" or ('"' not in line and name[:11] != "userbouquet"):
-        name = between("'")
-    return name
-
-
-def lines_of(content):
-    """The lines of a file with their ends."""
-    lines = content.split("\n")
-    return [line + "\n" for line in lines[:-1]] + ([lines[-1]] if lines[-1] else [])
-
-
 def expected_pairs(content, kind, folder="/tmp/settings"):
     """The pairs of source and target that a root file gives."""
     pairs = []
-    for line in lines_of(content):
-        name = expected_name(line)
+    for line in wanted.lines_of(content):
+        name = wanted.bouquet_name(line)
         if name[:11] == "userbouquet" and name.endswith("." + kind) and os.path.exists(HOST.real(folder + "/" + name)):
             taken = os.path.exists(HOST.real(CONFIG + name))
             pairs.append((name, name[:-len(kind) - 1] + stamp() + "." + kind if taken else name))
     return pairs
-
-
-def expected_root(content, kind, pairs):
-    """A root file after the writer, and the pairs that were copied; `content` is None when there was no file."""
-    if content is None:
-        lines = {
-            "tv": ["#NAME Bouquets (TV)\n", '#SERVICE 1:7:1:0:0:0:0:0:0:0:FROM BOUQUET "userbouquet.favourites.tv" ORDER BY bouquet\n'],
-            "radio": ["#NAME Bouquets (Radio)\n",
-                      '#SERVICE 1:7:1:0:0:0:0:0:0:0:FROM BOUQUET "userbouquet.favourites.radio" ORDER BY bouquet\n']}[kind]
-    else:
-        lines = lines_of(content)
-    result = "".join(line.replace("\r", "").replace("\n", "") + "\n" for line in lines)
-    copied = []
-    for source, target in pairs:
-        entry = "#SERVICE 1:7:%d:0:0:0:0:0:0:0:FROM BOUQUET \"%s\" ORDER BY bouquet" % ({"tv": 1, "radio": 2}[kind], target)
-        if entry not in lines:
-            result += entry + "\n"
-            copied.append((source, target))
-    return result, copied
 
 
 class PropertyCase(loading.ModuleCase):
@@ -160,7 +109,7 @@ class Texts(PropertyCase):
         for source in self.cases():
             content = feed_file(source)
             self.host.write(FEED_FILE, content)
-            expected = expected_address(content)
+            expected = wanted.address(content)
             self.assertEqual(self.module.base_url(), expected, (self.case, content))
             self.assertEqual(self.module.info_url(), expected + "qel_settings.download", (self.case, content))
 
@@ -168,11 +117,11 @@ class Texts(PropertyCase):
         for source in self.cases():
             body = catalogue(source)
             self.replace(info_url=lambda: "", urllib2=Bodies(body))
-            self.assertEqual(self.module.parse_download_file(), (0, expected_entries(body)), (self.case, body))
+            self.assertEqual(self.module.parse_download_file(), (0, wanted.entries(body)), (self.case, body))
 
     def test_rows(self):
         for source in self.cases(3):
-            entries = expected_entries(catalogue(source))
+            entries = wanted.entries(catalogue(source))
             screen = self.screen()
             self.replace(parse_download_file=lambda: (0, entries))
             screen.getServiceLists()
@@ -248,7 +197,7 @@ class Bouquets(PropertyCase):
                 if source.random() < .3 and pairs:
                     before = (before or "") + self.reference(source, kind, [pairs[0][1]])
                     self.host.write(CONFIG + "bouquets." + kind, before)
-                expected, copied = expected_root(before, kind, pairs)
+                expected, copied = wanted.root_file(before, kind, pairs)
                 self.replace(shutil=Copies)
                 screen = self.screen()
                 screen.writeBouquetFiles(kind, pairs)
@@ -281,7 +230,7 @@ class Bouquets(PropertyCase):
                 root = "bouquets." + kind
                 # The writer copies before it writes the root file, which may itself be a target.
                 before = files.get(root)
-                content, copied = expected_root(before, kind, pairs[kind])
+                content, copied = wanted.root_file(before, kind, pairs[kind])
                 for source, target in copied:
                     files[target] = self.host.read("/tmp/settings/" + source)
                 files[root] = content
