@@ -69,9 +69,9 @@ Object infoUrl(const Module& module) {
 }
 
 Object parseDownloadFile(const Module& module) {
-    const auto transfer = fetch(module, module.global(Name::info_url)(), splitUnlessString);
+    auto transfer = fetch(module, module.global(Name::info_url)(), splitUnlessString);
     if (transfer.status != TRANSFERRED) return module.object(makeTuple({transfer.status, NONE}));
-    return module.object(makeTuple({TRANSFERRED, readEntries(transfer.body)}));
+    return module.object(makeTuple({TRANSFERRED, readEntries(std::move(transfer.body))}));
 }
 
 Object downloadSettings(const Module& module, const Object& name, const Object& folder) {

@@ -1,5 +1,7 @@
 #include "catalogue_rows.hpp"
 
+#include <algorithm>
+
 #include "python/strings.hpp"
 #include "screen.hpp"
 #include "text/catalogue.hpp"
@@ -14,9 +16,40 @@ using python::Ref;
 
 namespace {
 
+// Of a body that is longer than that.
+constexpr std::size_t PIECE = 1 << 20;
+
 void appendEntry(const Ref& entries, const text::CatalogueEntry& entry) {
     const auto fields = python::makeStringTuple(entry.fields.data(), entry.fields.size());
     python::checked(PyList_Append(entries.get(), fields.get()));
+}
+
+void readLines(const Ref& entries, std::string_view lines) {
+    text::CatalogueReader reader(lines);
+    while (const auto entry = reader.next()) {
+        appendEntry(entries, *entry);
+    }
+}
+
+void reverse(const Ref& list, Py_ssize_t from) {
+    PyObject** const items = reinterpret_cast<PyListObject*>(list.get())->ob_item;
+    std::reverse(items + from, items + PyList_GET_SIZE(list.get()));
+}
+
+/// Reads a long body piece by piece from its end, and gives the memory of each piece back before it reads the next one:
+/// while the entries take more and more, the body takes less and less.
+void readBody(const Ref& entries, Ref body) {
+    for (std::size_t start = 1; start > 0;) {
+        const std::string_view bytes(PyString_AS_STRING(body.get()),
+                                     static_cast<std::size_t>(PyString_GET_SIZE(body.get())));
+        const auto lineEnd = bytes.size() <= PIECE ? std::string_view::npos : bytes.rfind('\n', bytes.size() - PIECE);
+        start = lineEnd == std::string_view::npos ? 0 : lineEnd + 1;
+        const auto known = PyList_GET_SIZE(entries.get());
+        readLines(entries, bytes.substr(start));
+        reverse(entries, known);
+        body = python::shortened(std::move(body), start);
+    }
+    reverse(entries, 0);
 }
 
 Ref makeRow(const Object& entry, const screen::Picture& picture) {
@@ -30,12 +63,14 @@ Ref makeRow(const Object& entry, const screen::Picture& picture) {
 
 }  // namespace
 
-Ref readEntries(const Object& catalogue) {
+Ref readEntries(Object catalogue) {
     auto entries = makeList();
     if (PyString_CheckExact(catalogue.get())) {
-        text::CatalogueReader reader(catalogue.bytes("the catalogue"));
-        while (const auto entry = reader.next()) {
-            appendEntry(entries, *entry);
+        const auto bytes = catalogue.bytes("the catalogue");
+        if (bytes.size() > PIECE && python::isNobodyElses(catalogue.ref())) {
+            readBody(entries, std::move(catalogue).take());
+        } else {
+            readLines(entries, bytes);
         }
         return entries;
     }

@@ -6,8 +6,8 @@
 namespace morvesk::catalogue {
 
 /// The entries of a catalogue, in its order, as a list of tuples of four strings. The catalogue is a string, or what
-/// else splitting a body into its lines has given.
-python::Ref readEntries(const python::Object& catalogue);
+/// else splitting a body into its lines has given. A long string that nobody else holds is used up as it is read.
+python::Ref readEntries(python::Object catalogue);
 
 /// Appends a row for each entry to `self.list`: archive, both texts, picture, second field.
 ///

@@ -16,6 +16,12 @@ Ref makeStringTuple(const std::string_view* strings, std::size_t count, Where wh
     return tuple;
 }
 
+Ref shortened(Ref string, std::size_t size, Where where) {
+    PyObject* resized = string.release();
+    checked(_PyString_Resize(&resized, static_cast<Py_ssize_t>(size)), where);
+    return Ref::steal(resized);
+}
+
 namespace {
 
 constexpr std::string_view PLACEHOLDER = "%s";

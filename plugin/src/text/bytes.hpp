@@ -10,22 +10,25 @@
 namespace morvesk::text {
 
 /// Whether `byte` is white space to the interpreter's `str.strip()`: that method asks the C library, and so do we, but
-/// for the printable ASCII bytes, which are white space in no locale.
+/// for the printable ASCII bytes: of these the blank is white space in every locale and no other in any.
 inline bool isSpace(char byte) {
-    const bool isPrintable = byte > ' ' && byte <= '~';
-    return !isPrintable && std::isspace(static_cast<unsigned char>(byte)) != 0;
+    if (byte > ' ' && byte <= '~') return false;
+    if (byte == ' ') return true;
+    return std::isspace(static_cast<unsigned char>(byte)) != 0;
 }
 
 /// `bytes` less every leading and trailing byte for which `drop` holds.
 template <typename Predicate>
 std::string_view stripWhere(std::string_view bytes, Predicate drop) {
-    while (!bytes.empty() && drop(bytes.front())) {
-        bytes.remove_prefix(1);
+    const char* begin = bytes.data();
+    const char* end = begin + bytes.size();
+    while (begin != end && drop(*begin)) {
+        ++begin;
     }
-    while (!bytes.empty() && drop(bytes.back())) {
-        bytes.remove_suffix(1);
+    while (begin != end && drop(end[-1])) {
+        --end;
     }
-    return bytes;
+    return {begin, static_cast<std::size_t>(end - begin)};
 }
 
 /// `bytes` less leading and trailing white space, as `str.strip()`.

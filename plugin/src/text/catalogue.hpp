@@ -30,13 +30,21 @@ std::optional<CatalogueEntry> parseCatalogueLine(std::string_view line);
 /// line needs no line end.
 class CatalogueReader {
   public:
-    explicit CatalogueReader(std::string_view body) : rest_(body) {}
+    explicit CatalogueReader(std::string_view body);
 
     /// The next entry, or nothing at the end of the catalogue.
     std::optional<CatalogueEntry> next();
 
   private:
-    std::string_view rest_;
+    friend std::optional<CatalogueEntry> parseCatalogueLine(std::string_view line);
+
+    /// The entry in the line that the next separator stands in, if it holds one; goes on to the first separator behind
+    /// it.
+    std::optional<CatalogueEntry> readLine(const char* line, const char* lineEnd);
+
+    const char* rest_;  // behind the line that was read last
+    const char* end_;
+    const char* separator_;  // the next one, or the end
 };
 
 }  // namespace morvesk::text

@@ -1,6 +1,8 @@
 """The catalogue: fetched over real HTTP, parsed into entries, failures as status codes."""
 
+import hashlib
 import httplib
+import random
 import socket
 import urllib2
 
@@ -168,6 +170,18 @@ class Body(object):
         return self.body
 
 
+class FreshBody(object):
+    """A response whose body nobody holds but the caller, as after a real transfer."""
+
+    def __init__(self, path):
+        self.path = path
+
+    def read(self):
+        """The body, as a new string."""
+        with open(self.path, "rb") as stream:
+            return stream.read()
+
+
 class FailingBody(object):
     """A body that cannot be split."""
 
@@ -282,6 +296,58 @@ class Guard(loading.ModuleCase):
         del self.host.calls[:]
         self.module.parse_download_file()
         self.assertCalls([call("urlopen", "address", None, 5.0), call("read")])
+
+
+def long_catalogue(dice, size):
+    """Lines of all lengths, with and without entries, a few of them very long, and no line end after the last one."""
+    lines, written = [], 0
+    while written < size:
+        line = dice.choice(("%d:::b:::c:::d", "%d ::: b ::: c ::: d \r", "# %d:::b:::c:::d", "%d:::b:::c", "", "%d")).replace(
+            "%d", str(written))
+        line += dice.choice(("", "x" * dice.randint(0, 300), "x" * dice.randint(0, 300), " " * dice.randint(0, 3)))
+        if dice.random() < 20.0 / size:
+            line += "y" * dice.randint(0, size // 2)
+        lines.append(line)
+        written += len(line) + 1
+    return "\n".join(lines)
+
+
+def entries_of(body):
+    """The entries, read in the simplest way."""
+    pieces = [line.split(":::") for line in body.split("\n") if not line.startswith("#")]
+    return [tuple([piece.strip() for piece in four]) for four in pieces if len(four) == 4]
+
+
+class LongBody(loading.ModuleCase):
+    """Catalogues of many megabytes."""
+
+    def setUp(self):
+        super(LongBody, self).setUp()
+        self.replace(info_url=lambda: "address")
+        dice = random.Random(2023)
+        self.bodies = [long_catalogue(dice, size) for size in (1 << 20, 3 << 20)]
+        self.bodies += ["A:::B:::C:::D", "\n" + "x" * (2 << 20), "x" * (2 << 20) + "\nA:::B:::C:::D\n", "\n" * (2 << 20),
+                        "A:::B:::C:::D\n" * (1 << 17), ":" * (2 << 20), ("x" * 1023 + "\n") * 2048 + "A:::B:::C:::D"]
+
+    def read(self, answer):
+        """What is read from this answer."""
+        self.host.urlopen = lambda *arguments: answer
+        return self.module.parse_download_file()
+
+    def test_a_body_that_nobody_else_holds(self):
+        for body in self.bodies:
+            self.host.write("/body", body)
+            status, entries = self.read(FreshBody(self.host.real("/body")))
+            self.assertEqual(status, 0)
+            self.assertTrue(entries == entries_of(body))
+
+    def test_a_body_that_somebody_holds_stays_as_it_is(self):
+        for body in self.bodies:
+            digest = hashlib.sha1(body).digest()
+            status, entries = self.read(Body(body))
+            self.assertEqual(status, 0)
+            self.assertTrue(entries == entries_of(body))
+            self.assertEqual(hashlib.sha1(body).digest(), digest)
 
 
 if __name__ == "__main__":
