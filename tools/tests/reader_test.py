@@ -121,6 +121,9 @@ class Reader(unittest.TestCase):
     def test_a_private_name(self):
         self.check(["test_everything_is_documented"], source(["_PyString_Join"]))
 
+    def test_a_documented_name_that_looks_private(self):
+        self.check([], source(["_PyString_Resize"]))
+
     def test_an_unknown_name(self):
         self.check(["test_everything_is_documented"], source(["PyObject_Cull"]))
 
