@@ -26,9 +26,6 @@ struct Kind {
 constexpr const char* LAMEDB = "/lamedb";
 constexpr const char* LINE = "a line of a root file";
 
-// New references rarely make a root file longer than by this part of it: then its content is never moved.
-constexpr std::size_t REFERENCES_SHARE = 4;
-
 constexpr Kind TV = {"tv", "/bouquets.tv", ".tv"};
 constexpr Kind RADIO = {"radio", "/bouquets.radio", ".radio"};
 
@@ -90,33 +87,29 @@ void mergeDatabase(const Module& module, const Object& self) {
     database.call(Name::saveServicelist);
 }
 
-text::RootFile readRootFile(const Module& module, const Object& path, text::RootType type) {
-    text::RootFile root;
-    if (!module.global(Name::fileExists)({path}).truth()) {
+/// The lines of the root file, or nothing where there is none yet.
+Object readRootFile(const Module& module, const Object& path) {
+    if (!module.global(Name::fileExists)({path}).truth()) return {};
+    return readLines(module, path).snapshot();
+}
+
+/// A root file of these lines, which must outlive it.
+text::RootFile rootFileOf(const Object& lines, text::RootType type) {
+    text::RootFile root(type);
+    if (lines) {
+        python::forEachString(lines, LINE, [&](std::string_view line) { root.addLine(line); });
+    } else {
         for (const auto line : text::freshRootLines(type)) {
             root.addLine(line);
         }
-        return root;
-    }
-    const auto lines = readLines(module, path).snapshot();
-    std::size_t size = 0;
-    for (const auto& line : Elements(lines)) {
-        size += line.bytes(LINE).size();
-    }
-    root.reserve(size + size / REFERENCES_SHARE);
-    for (const auto& line : Elements(lines)) {
-        root.addLine(line.bytes(LINE));
     }
     return root;
 }
 
-void addBouquet(const Module& module, const Object& self, text::RootFile& root, text::RootType type,
-                const Object& favourite) {
+void addBouquet(const Module& module, const Object& self, text::RootFile& root, const Object& favourite) {
     const auto [source, target] = favourite.unpackPair();
     const auto name = target.str();
-    const auto reference = text::reference(type, name.bytes("the name of a user bouquet"));
-    if (root.holds(reference)) return;
-    root.addReference(reference);
+    if (!root.addReference(name.bytes("the name of a user bouquet"))) return;
     module.global(Name::shutil)
         .attr(Name::copy2)({self.attr(Name::tmp_path).plus("/").plus(source), self.attr(Name::dest_dir).plus(target)});
 }
@@ -157,13 +150,14 @@ Object writeBouquetFiles(const Module& module, const Object& self, const Object&
     const auto path = module.object(makeText("%sbouquets.%s", {config, rootType}));
     const auto type = rootType.equals("radio") ? text::RootType::Radio : text::RootType::Tv;
 
-    auto root = readRootFile(module, path, type);
+    const auto lines = readRootFile(module, path);
+    auto root = rootFileOf(lines, type);
     for (const auto& favourite : Elements(favourites)) {
-        addBouquet(module, self, root, type, favourite);
+        addBouquet(module, self, root, favourite);
     }
 
     const auto file = module.open()({path, "w"});
-    file.attr(Name::write)({root.content()});
+    file.attr(Name::write)({python::makeString(root.room(), [&](char* bytes) { return root.write(bytes); })});
     file.call(Name::close);
     return module.object(NONE);
 }

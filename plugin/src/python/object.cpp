@@ -67,6 +67,8 @@ Object Object::str(Where where) const {
 }
 
 Object Object::snapshot(Where where) const {
+    const bool isNobodyElses = PyList_CheckExact(get()) && Py_REFCNT(get()) == 1;
+    if (isNobodyElses) return *this;
     return {checked(PySequence_List(get()), where), names_};
 }
 

@@ -54,7 +54,7 @@ class Object {
     /// `str(self)`
     Object str(Where where = Where::here()) const;
 
-    /// A list of what iteration over the object yields at this moment.
+    /// A list of what iteration over the object yields at this moment; itself if it is a list that nobody else holds.
     Object snapshot(Where where = Where::here()) const;
 
     /// `first, second = self`

@@ -17,6 +17,7 @@ Ref makeStringTuple(const std::string_view* strings, std::size_t count, Where wh
 }
 
 Ref shortened(Ref string, std::size_t size, Where where) {
+    if (static_cast<Py_ssize_t>(size) == PyString_GET_SIZE(string.get())) return string;
     PyObject* resized = string.release();
     checked(_PyString_Resize(&resized, static_cast<Py_ssize_t>(size)), where);
     return Ref::steal(resized);

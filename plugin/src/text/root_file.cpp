@@ -1,13 +1,14 @@
 #include "text/root_file.hpp"
 
 #include <algorithm>
-#include <iterator>
+
+#include "text/bytes.hpp"
 
 namespace morvesk::text {
 
 namespace {
 
-constexpr char LINE_END = '\n';
+constexpr std::string_view LINE_END = "\n";
 
 constexpr std::array<std::string_view, 2> FRESH_TV = {
     "#NAME Bouquets (TV)\n",
@@ -20,17 +21,20 @@ constexpr std::string_view TV_REFERENCE = "#SERVICE 1:7:1:0:0:0:0:0:0:0:FROM BOU
 constexpr std::string_view RADIO_REFERENCE = "#SERVICE 1:7:2:0:0:0:0:0:0:0:FROM BOUQUET \"";
 constexpr std::string_view REFERENCE_END = "\" ORDER BY bouquet";
 
-bool isLineEnd(char byte) {
-    return byte == '\r' || byte == LINE_END;
+std::string_view lessLineEnd(std::string_view line) {
+    return endsWith(line, LINE_END) ? line.substr(0, line.size() - 1) : line;
 }
 
-void appendLessLineEnds(std::string& content, std::string_view line) {
-    // Nearly every line has neither byte, and looking for one at a time is much faster than looking at each.
-    if (line.find('\r') == std::string_view::npos && line.find(LINE_END) == std::string_view::npos) {
-        content.append(line);
-    } else {
-        std::remove_copy_if(line.begin(), line.end(), std::back_inserter(content), isLineEnd);
+char* append(char* end, std::string_view bytes) {
+    return std::copy(bytes.begin(), bytes.end(), end);
+}
+
+char* appendLine(char* end, std::string_view line) {
+    for (auto inner = line.find('\n'); inner != std::string_view::npos; inner = line.find('\n')) {
+        end = append(end, line.substr(0, inner));
+        line.remove_prefix(inner + 1);
     }
+    return append(append(end, line), LINE_END);
 }
 
 }  // namespace
@@ -39,23 +43,39 @@ const std::array<std::string_view, 2>& freshRootLines(RootType type) {
     return type == RootType::Radio ? FRESH_RADIO : FRESH_TV;
 }
 
-std::string reference(RootType type, std::string_view name) {
-    return std::string(type == RootType::Radio ? RADIO_REFERENCE : TV_REFERENCE).append(name).append(REFERENCE_END);
-}
-
 void RootFile::addLine(std::string_view line) {
-    const bool isEnded = !line.empty() && line.back() == LINE_END;
-    if (!isEnded) withoutLineEnd_.emplace(line);
-    appendLessLineEnds(content_, isEnded ? line.substr(0, line.size() - 1) : line);
-    content_.push_back(LINE_END);
+    lines_.push_back(line);
+    if (!endsWith(line, LINE_END)) withoutLineEnd_.push_back(line);
+    room_ += line.size() + LINE_END.size();
 }
 
 bool RootFile::holds(std::string_view reference) const {
-    return withoutLineEnd_.find(reference) != withoutLineEnd_.end();
+    for (const auto line : withoutLineEnd_) {
+        if (line == reference) return true;
+    }
+    return false;
 }
 
-void RootFile::addReference(std::string_view reference) {
-    content_.append(reference).push_back(LINE_END);
+bool RootFile::addReference(std::string_view name) {
+    const auto start = references_.size();
+    references_.append(type_ == RootType::Radio ? RADIO_REFERENCE : TV_REFERENCE).append(name).append(REFERENCE_END);
+    if (holds(std::string_view(references_).substr(start))) {
+        references_.resize(start);
+        return false;
+    }
+    references_.append(LINE_END);
+    return true;
+}
+
+std::size_t RootFile::write(char* content) const {
+    char* end = content;
+    for (const auto line : lines_) {
+        end = appendLine(end, lessLineEnd(line));
+    }
+    // Seldom is there any, and looking for the first one is much faster than looking at each byte.
+    const auto carriageReturn = std::string_view(content, static_cast<std::size_t>(end - content)).find('\r');
+    if (carriageReturn != std::string_view::npos) end = std::remove(content + carriageReturn, end, '\r');
+    return static_cast<std::size_t>(append(end, references_) - content);
 }
 
 }  // namespace morvesk::text

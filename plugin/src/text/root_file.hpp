@@ -7,9 +7,9 @@
 
 #include <array>
 #include <cstddef>
-#include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace morvesk::text {
 
@@ -20,33 +20,37 @@ enum class RootType { Tv, Radio };
 /// The radio favourites carry the type field of a TV reference, as the receivers' own first radio root file does.
 const std::array<std::string_view, 2>& freshRootLines(RootType type);
 
-/// The line, without line end, that refers to the user bouquet file `name`.
-std::string reference(RootType type, std::string_view name);
-
 /// A root file that is being extended: the lines it had first, in their order, then new references.
 class RootFile {
   public:
-    /// Makes room for that many bytes of lines.
-    void reserve(std::size_t bytes) { content_.reserve(bytes); }
+    explicit RootFile(RootType type) : type_(type) {}
 
-    /// Takes over a line as it was read. In the content it ends in one "\n"; every other "\r" and "\n" of it is
-    /// dropped.
+    /// Takes over a line as it was read; its bytes must outlive the root file.
     void addLine(std::string_view line);
 
-    /// Whether `reference` equals one of the lines as they were read, line end included.
+    /// Appends a reference to the user bouquet file `name`, unless it equals one of the lines as they were read, line
+    /// end included. Tells whether it did.
     ///
     /// A reference has no line end, so only a line that was read without one can equal it: the last line of a file that
     /// does not end in a line end.
-    bool holds(std::string_view reference) const;
+    bool addReference(std::string_view name);
 
-    /// Appends a new reference, which holds() does not look at.
-    void addReference(std::string_view reference);
+    /// The bytes of the content, or more.
+    std::size_t room() const { return room_ + references_.size(); }
 
-    const std::string& content() const { return content_; }
+    /// Writes the content to where there is that much room; gives the size of it.
+    ///
+    /// Every line ends in one "\n"; any other "\r" and "\n" of a line is dropped. References stay as they are.
+    std::size_t write(char* content) const;
 
   private:
-    std::string content_;
-    std::set<std::string, std::less<>> withoutLineEnd_;
+    bool holds(std::string_view reference) const;
+
+    RootType type_;
+    std::vector<std::string_view> lines_;
+    std::vector<std::string_view> withoutLineEnd_;
+    std::size_t room_ = 0;  // for the lines
+    std::string references_;
 };
 
 }  // namespace morvesk::text

@@ -67,15 +67,16 @@ std::string wanted(const Input& input) {
 }
 
 std::string made(const Input& input) {
-    RootFile file;
+    RootFile file(input.type);
     for (const auto& line : input.lines) {
         file.addLine(line);
     }
     for (const auto& name : input.names) {
-        const auto entry = morvesk::text::reference(input.type, name);
-        if (!file.holds(entry)) file.addReference(entry);
+        file.addReference(name);
     }
-    return file.content();
+    std::string content(file.room(), '\0');
+    content.resize(file.write(content.data()));
+    return content;
 }
 
 }  // namespace

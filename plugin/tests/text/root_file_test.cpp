@@ -5,16 +5,27 @@
 namespace {
 
 using morvesk::text::freshRootLines;
-using morvesk::text::reference;
 using morvesk::text::RootFile;
 using morvesk::text::RootType;
 
+std::string contentOf(const RootFile& root) {
+    std::string content(root.room(), '\0');
+    content.resize(root.write(content.data()));
+    return content;
+}
+
 std::string contentOf(std::initializer_list<std::string_view> lines) {
-    RootFile root;
+    RootFile root(RootType::Tv);
     for (const auto line : lines) {
         root.addLine(line);
     }
-    return root.content();
+    return contentOf(root);
+}
+
+std::string referenceTo(RootType type, std::string_view name) {
+    RootFile root(type);
+    root.addReference(name);
+    return contentOf(root);
 }
 
 TEST(RootFile, StartsAfreshWithItsNameAndTheFavourites) {
@@ -29,10 +40,10 @@ TEST(RootFile, StartsAfreshWithItsNameAndTheFavourites) {
 }
 
 TEST(RootFile, RefersToTvAndRadioBouquets) {
-    EXPECT_EQ(reference(RootType::Tv, "userbouquet.a.tv"),
-              "#SERVICE 1:7:1:0:0:0:0:0:0:0:FROM BOUQUET \"userbouquet.a.tv\" ORDER BY bouquet");
-    EXPECT_EQ(reference(RootType::Radio, "userbouquet.a.radio"),
-              "#SERVICE 1:7:2:0:0:0:0:0:0:0:FROM BOUQUET \"userbouquet.a.radio\" ORDER BY bouquet");
+    EXPECT_EQ(referenceTo(RootType::Tv, "userbouquet.a.tv"),
+              "#SERVICE 1:7:1:0:0:0:0:0:0:0:FROM BOUQUET \"userbouquet.a.tv\" ORDER BY bouquet\n");
+    EXPECT_EQ(referenceTo(RootType::Radio, "userbouquet.a.radio"),
+              "#SERVICE 1:7:2:0:0:0:0:0:0:0:FROM BOUQUET \"userbouquet.a.radio\" ORDER BY bouquet\n");
 }
 
 TEST(RootFile, KeepsTheLinesAndTheirOrder) {
@@ -47,23 +58,33 @@ TEST(RootFile, IsEmptyWithoutLines) {
     EXPECT_EQ(contentOf({}), "");
 }
 
-TEST(RootFile, HoldsALineOnlyAsItWasRead) {
-    RootFile root;
-    root.addLine("terminated\n");
-    root.addLine("carried\r");
-    root.addLine("open");
-    EXPECT_FALSE(root.holds("terminated"));
-    EXPECT_FALSE(root.holds("carried"));
-    EXPECT_TRUE(root.holds("carried\r"));
-    EXPECT_TRUE(root.holds("open"));
-    EXPECT_FALSE(root.holds("ope"));
+TEST(RootFile, AddsNoReferenceThatEqualsALineAsItWasRead) {
+    constexpr std::string_view line = "#SERVICE 1:7:1:0:0:0:0:0:0:0:FROM BOUQUET \"a\" ORDER BY bouquet\n";
+    const auto lessLineEnd = line.substr(0, line.size() - 1);
+    RootFile root(RootType::Tv);
+    root.addLine(line);
+    const auto carried = std::string(lessLineEnd) + "\r";
+    root.addLine(carried);
+    EXPECT_TRUE(root.addReference("a"));
+    root.addLine(lessLineEnd);
+    EXPECT_FALSE(root.addReference("a"));
+    EXPECT_TRUE(root.addReference("b"));
+    EXPECT_EQ(contentOf(root), std::string(line) + std::string(line) + std::string(line) + std::string(line) +
+                                   referenceTo(RootType::Tv, "b"));
 }
 
-TEST(RootFile, DoesNotHoldItsNewReferences) {
-    RootFile root;
-    root.addReference("new");
-    EXPECT_FALSE(root.holds("new"));
-    EXPECT_EQ(root.content(), "new\n");
+TEST(RootFile, AddsAReferenceAsOftenAsItIsAskedFor) {
+    RootFile root(RootType::Radio);
+    EXPECT_TRUE(root.addReference("new"));
+    EXPECT_TRUE(root.addReference("new"));
+    EXPECT_EQ(contentOf(root), referenceTo(RootType::Radio, "new") + referenceTo(RootType::Radio, "new"));
+}
+
+TEST(RootFile, LeavesReferencesAsTheyAre) {
+    RootFile root(RootType::Tv);
+    root.addLine("o\rld\r\n");
+    root.addReference("n\r\new");
+    EXPECT_EQ(contentOf(root), "old\n#SERVICE 1:7:1:0:0:0:0:0:0:0:FROM BOUQUET \"n\r\new\" ORDER BY bouquet\n");
 }
 
 }  // namespace
