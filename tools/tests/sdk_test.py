@@ -40,6 +40,14 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 """
 
+# One compiler for all processors, which has to be told for which one.
+CLANG_TOOLCHAIN = """\
+set(CMAKE_SYSTEM_NAME Linux)
+set(CMAKE_SYSTEM_PROCESSOR arm)
+set(CMAKE_CXX_COMPILER clang++)
+set(CMAKE_CXX_COMPILER_TARGET %(real)s)
+"""
+
 COMPILER = """\
 #!/bin/sh
 printf '%%s\\n' "$*" >>"%(log)s"
@@ -134,12 +142,15 @@ class Sdk(unittest.TestCase):
         self.assertFalse(os.path.exists(self.names["asked"]))
         build = os.path.join(self.checkout, "build", build)
         self.check_headers(build)
-        packages = [name for name in os.listdir(build) if name.endswith(".ipk")]
-        self.assertEqual(len(packages), 1)
-        self.assertRegexpMatches(packages[0], r"_armv7ahf-neon\.ipk$")
+        self.check_package(build)
         module = os.path.join(build, "Morvesk.so")
         self.check_attributes(module)
         self.check_runs(module)
+
+    def check_package(self, build):
+        packages = [name for name in os.listdir(build) if name.endswith(".ipk")]
+        self.assertEqual(len(packages), 1)
+        self.assertRegexpMatches(packages[0], r"_armv7ahf-neon\.ipk$")
 
     def check_headers(self, build):
         deps = subprocess.check_output(["ninja", "-C", build, "-t", "deps"])
@@ -168,6 +179,14 @@ class Sdk(unittest.TestCase):
 
     def test_toolchain_file(self):
         self.check_built(self.build(commands("With a toolchain file")), "image")
+
+    def test_a_compiler_for_many_processors(self):
+        self.write(self.toolchain_file, CLANG_TOOLCHAIN)
+        outcome = self.build(commands("With a toolchain file"))
+        self.assertEqual(outcome.status, 0, outcome)
+        build = os.path.join(self.checkout, "build", "image")
+        self.check_package(build)
+        self.check_runs(os.path.join(build, "Morvesk.so"))
 
     def test_the_compiler_accepts_only_the_images_flags(self):
         text = commands("With the SDK's environment").replace("\ncmake", '\nexport CXX=%s-g++\ncmake' % TARGET, 1)
