@@ -119,6 +119,12 @@ class Content(PackageCase):
         self.assertEqual(tar.extractfile("./control").read(),
                          CONTROL % (NAME, project_version() + "-r0", ARCHITECTURE))
 
+    def test_another_package_manager_reads_it(self):
+        wanted = "Package: %s\nVersion: %s-r0\nArchitecture: %s\n" % (NAME, project_version(), ARCHITECTURE)
+        self.assertEqual(wanted, subprocess.check_output(["dpkg-deb", "-f", self.package, "Package", "Version", "Architecture"]))
+        subprocess.check_call(["dpkg-deb", "-x", self.package, self.path("unpacked")])
+        self.assertEqual(read_bytes(self.path("unpacked", PANEL, "Morvesk.so")), read_bytes(os.path.join(BUILD, "Morvesk.so")))
+
     def test_data(self):
         entries = list(self.tar("data.tar.gz"))
         folders, above = ["."], "."
@@ -216,10 +222,14 @@ class Installed(PackageCase):
         outcome, lines = self.receiver_without_module("before").play("ok ok ok")
         self.assertEqual((outcome, lines[-1]), (process.CRASHED, "ImportError: No module named Morvesk"))
         receiver = self.receiver_without_module("after")
+        programs = receiver.files("usr")
         subprocess.check_call(["cp", "-R", os.path.join(self.root, "."), receiver.path("/")])
         self.assertEqual(receiver.play("ok ok ok"), (process.CLOSED, []))
         installed = set(receiver.files("etc/enigma2")) - set(support.own_settings())
         self.assertEqual(installed, set(support.new_list()) - set(support.own_settings()) | set(["lamedb5"]))
+        for name in support.read_folder(self.root):
+            os.remove(receiver.path(name))
+        self.assertEqual(receiver.files("usr"), programs)
 
     def test_only_the_module_was_unpacked(self):
         found = [os.path.relpath(os.path.join(path, name), self.root)
