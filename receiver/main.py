@@ -131,10 +131,12 @@ def _still_running():
 
 def _other_commands():
     own, commands = _own_command_lines(), []
+    # What watches this process from the outside has its arguments at its own end.
+    arguments = " ".join([""] + sys.argv)
     for process in os.listdir("/proc") if os.path.isdir("/proc") else ():
         if process.isdigit() and not _is_first(process) and _has_our_root(process):
             command = _command_line(process)
-            if command and command not in own:
+            if command and command not in own and not command.endswith(arguments):
                 commands.append(command)
     return sorted(commands)
 
