@@ -121,6 +121,11 @@ class Reader(unittest.TestCase):
     def test_a_private_name(self):
         self.check(["test_everything_is_documented"], source(["_PyString_Join"]))
 
+    def test_a_name_behind_another_macro(self):
+        elf_test.BEHIND_MACROS["_PyString_Join"] = "Py_None"
+        self.addCleanup(elf_test.BEHIND_MACROS.pop, "_PyString_Join")
+        self.check(["test_macros_stand_for_what_we_think"], source(["_PyString_Join"]))
+
     def test_a_documented_name_that_looks_private(self):
         self.check([], source(["_PyString_Resize"]))
 
