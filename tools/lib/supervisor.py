@@ -24,7 +24,10 @@ PR_SET_CHILD_SUBREAPER = 36
 PR_SET_NO_NEW_PRIVS = 38
 SECONDS_BETWEEN_LOOKS = 0.5
 
+CAPABILITY_VERSION = 0x20080522
+
 prctl = ctypes.CDLL(None, use_errno=True).prctl
+capset = ctypes.CDLL(None, use_errno=True).capset
 
 
 def same_file(path, wanted):
@@ -106,10 +109,17 @@ def start_guard(wanted):
 
 
 def give_up_rights():
-    """Keeps root from writing to what is not root's to write: no capability outlives the next program."""
+    """Keeps root from writing to what is not root's to write: no capability outlives the next program.
+
+    A container may not let go of what any program may ever have; then what this process has is given up, and the next
+    program, which gets no new rights, has no more than that.
+    """
     for capability in range(64):
         prctl(PR_CAPBSET_DROP, capability, 0, 0, 0)
     prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0)
+    header = (ctypes.c_uint32 * 2)(CAPABILITY_VERSION, 0)
+    nothing = (ctypes.c_uint32 * 6)()
+    capset(header, nothing)
 
 
 def become_command(folder, command, parent):

@@ -10,7 +10,8 @@ SANDBOX = os.path.join(TOOLS, "sandbox")
 # Somebody without rights who has no files here.
 STRANGER = 65533
 
-# A container whose engine allows no namespaces and no device files: inside of a user namespace, which may make no more.
+# A container whose engine allows no namespaces and no device files, and no program to give up what others may have: inside
+# of a user namespace, which may make no more.
 _CONTAINER = ["unshare", "--user", "--map-root-user", "sh", "-c",
               'echo 0 >/proc/sys/user/max_user_namespaces && exec setpriv --bounding-set="$0" --inh-caps="$0" "$@"']
 
@@ -81,5 +82,5 @@ def all_ways():
         Way("bubblewrap as another user", _as_stranger(), forced="bubblewrap", owner=STRANGER,
             why_not=stranger or _why_no_namespaces(_as_stranger())),
         Way("chroot", forced="chroot", why_not=None if is_root() else "%s is not root" % _who()),
-        Way("chroot in a container", container("-sys_admin,-mknod"), why_not=_why_no_container()),
+        Way("chroot in a container", container("-sys_admin,-mknod,-setpcap"), why_not=_why_no_container()),
     ]
