@@ -39,7 +39,7 @@ def parser(bench, read):
 
 
 def catalogue(bench, lines, count=1):
-    """A catalogue of so many lines is read, so many times; the floor makes the result's objects from known places."""
+    """A catalogue of so many lines is read, so many times; the floors make the result's objects from known places."""
     return _reading(bench, *bench.store.catalogue(lines), count=count)
 
 
@@ -50,8 +50,9 @@ def own_catalogue(bench, path):
 
 
 def _reading(bench, body, places, count=1):
-    if bench.name == contenders.FLOOR:
-        return Work(functools.partial(bench.tools.catalogue, body, places), count, result=lambda entries: (0, entries))
+    if bench.name in contenders.FLOORS:
+        make = functools.partial(bench.tools.catalogue, body, places, bench.name == contenders.SECOND)
+        return Work(make, count, result=lambda entries: (0, entries))
     return Work(parser(bench, bench.constant(body)), count)
 
 
@@ -75,9 +76,9 @@ def _host_calls(bench, count):
 
 def rows(bench, count, with_host_calls=False):
     """The list's rows are made for so many entries; the host's calls are taken off."""
-    entries = bench.tools.catalogue(*bench.store.catalogue(count))
-    if bench.name == contenders.FLOOR:
-        return Work(functools.partial(bench.tools.rows, entries, host.PICTURE))
+    entries = bench.tools.catalogue(*bench.store.catalogue(count) + (False,))
+    if bench.name in contenders.FLOORS:
+        return Work(functools.partial(bench.tools.rows, entries, host.PICTURE, bench.name == contenders.SECOND))
     bench.module.parse_download_file = bench.constant((0, entries))
     screen = bench.screen()
     return Work(screen.getServiceLists, deduct=None if with_host_calls else _host_calls(bench, count),

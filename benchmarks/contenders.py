@@ -9,6 +9,7 @@ HERE = os.path.dirname(os.path.abspath(__file__))
 ROOT = os.path.dirname(HERE)
 OURS, PLAIN, FLOOR, SECOND = "ours", "plain", "floor", "second"
 NAMES = (OURS, PLAIN, FLOOR, SECOND)
+FLOORS = (FLOOR, SECOND)
 TOOLS = "tools"
 
 

@@ -21,11 +21,11 @@ LONG_ROOT_FILE = [TEN_TIMES * size for size in ROOT_FILE]
 # Contenders, work, rounds in each generation of processes, generations. Processes differ in how their memory happens to
 # lie, which some works feel: these have many generations.
 TIMED = {
-    "catalogue-100": (THREE, ("catalogue", [100, 100]), 15, 4),
-    "catalogue-10000": (THREE, ("catalogue", [SHORT]), 15, 4),
-    "catalogue-1000000": (THREE, ("catalogue", [LONG]), 5, 2),
+    "catalogue-100": (NAMES, ("catalogue", [100, 100]), 15, 4),
+    "catalogue-10000": (NAMES, ("catalogue", [SHORT]), 15, 4),
+    "catalogue-1000000": (NAMES, ("catalogue", [LONG]), 5, 2),
     "rubbish": (NAMES, ("rubbish", [RUBBISH]), 8, 4),
-    "rows": (THREE, ("rows", [SHORT]), 15, 4),
+    "rows": (NAMES, ("rows", [SHORT]), 15, 4),
     "rows-and-calls": (THREE, ("rows_and_host_calls", [SHORT]), 15, 4),
     "root-file": (NAMES, ("root_file", ROOT_FILE), 4, 12),
     "merge": (THREE, ("merge", MERGE), 10, 3),

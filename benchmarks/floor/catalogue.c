@@ -13,7 +13,9 @@ typedef struct {
     uint32_t size;
 } Field;
 
-static PyObject* make_entry(const char* body, const Field* fields) {
+/* Strings refer to nothing, so that the collector of cycles need not look at an entry; it would take one that is made
+ * in the ordinary way out of its sight when it first came by. */
+static PyObject* make_entry(const char* body, const Field* fields, int ordinary) {
     PyObject* const entry = PyTuple_New(FIELDS);
     if (entry == NULL) return NULL;
     for (Py_ssize_t index = 0; index < FIELDS; ++index) {
@@ -24,22 +26,25 @@ static PyObject* make_entry(const char* body, const Field* fields) {
         }
         PyTuple_SET_ITEM(entry, index, text);
     }
+    if (!ordinary) PyObject_GC_UnTrack(entry);
     return entry;
 }
 
-/* catalogue(body, places): the list of entries; `places` holds the Fields, four an entry, as a string. */
+/* catalogue(body, places, ordinary): the list of entries; `places` holds the Fields, four an entry, as a
+ * string. */
 PyObject* floor_catalogue(PyObject* self, PyObject* arguments) {
     const char* body;
     const Field* fields;
     Py_ssize_t body_size;
     Py_ssize_t fields_size;
+    int ordinary;
     (void)self;
-    if (!PyArg_ParseTuple(arguments, "s#s#", &body, &body_size, &fields, &fields_size)) return NULL;
+    if (!PyArg_ParseTuple(arguments, "s#s#i", &body, &body_size, &fields, &fields_size, &ordinary)) return NULL;
     const Py_ssize_t count = fields_size / (Py_ssize_t)(FIELDS * sizeof(Field));
     PyObject* const entries = PyList_New(count);
     if (entries == NULL) return NULL;
     for (Py_ssize_t index = 0; index < count; ++index) {
-        PyObject* const entry = make_entry(body, fields + index * FIELDS);
+        PyObject* const entry = make_entry(body, fields + index * FIELDS, ordinary);
         if (entry == NULL) {
             Py_DECREF(entries);
             return NULL;

@@ -2,10 +2,11 @@
 #include "floor.h"
 
 static PyMethodDef functions[] = {
-    {"catalogue", floor_catalogue, METH_VARARGS, "catalogue(body, places): the entries at these places of the body."},
+    {"catalogue", floor_catalogue, METH_VARARGS,
+     "catalogue(body, places, ordinary): the entries at these places of the body."},
     {"scan", floor_scan, METH_VARARGS, "scan(body): one pass of memchr over the body."},
     {"scan_lines", floor_scan_lines, METH_VARARGS, "scan_lines(body): a pass of memchr from line end to line end."},
-    {"rows", floor_rows, METH_VARARGS, "rows(entries, picture): the list's rows."},
+    {"rows", floor_rows, METH_VARARGS, "rows(entries, picture, ordinary): the list's rows."},
     {"call_host", floor_call_host, METH_VARARGS,
      "call_host(names, keys, relative, count): the host calls of the rows."},
     {"rewrite", floor_rewrite, METH_VARARGS, "rewrite(path, content): reads and writes a file once."},

@@ -1,5 +1,4 @@
-/* The least that making the list's rows must do: the row tuples and their two new texts, without any call of the host.
- */
+/* The least that making the list's rows must do: the row tuples and a new text each, without any call of the host. */
 #include <string.h>
 
 #include "floor.h"
@@ -27,13 +26,15 @@ static PyObject* share(PyObject* object) {
     return object;
 }
 
-static PyObject* make_row(PyObject* entry, PyObject* picture) {
+/* The second text of a row equals a field of the entry: the least is to share it. What a row holds refers to nothing,
+ * so that the collector of cycles need not look at it. */
+static PyObject* make_row(PyObject* entry, PyObject* picture, int ordinary) {
     enum { COLUMNS = 5 };
     PyObject* const row = PyTuple_New(COLUMNS);
     if (row == NULL) return NULL;
     PyObject* const title = join(PyTuple_GET_ITEM(entry, 0), PyTuple_GET_ITEM(entry, 1));
     PyTuple_SET_ITEM(row, 1, title);
-    PyObject* const description = copy(PyTuple_GET_ITEM(entry, 2));
+    PyObject* const description = ordinary ? copy(PyTuple_GET_ITEM(entry, 2)) : share(PyTuple_GET_ITEM(entry, 2));
     PyTuple_SET_ITEM(row, 2, description);
     PyTuple_SET_ITEM(row, 0, share(PyTuple_GET_ITEM(entry, 3)));
     PyTuple_SET_ITEM(row, 3, share(picture));
@@ -42,20 +43,22 @@ static PyObject* make_row(PyObject* entry, PyObject* picture) {
         Py_DECREF(row);
         return NULL;
     }
+    if (!ordinary) PyObject_GC_UnTrack(row);
     return row;
 }
 
-/* rows(entries, picture): the list of rows. */
+/* rows(entries, picture, ordinary): the list of rows, the least or as one ordinarily makes them. */
 PyObject* floor_rows(PyObject* self, PyObject* arguments) {
     PyObject* entries;
     PyObject* picture;
+    int ordinary;
     (void)self;
-    if (!PyArg_ParseTuple(arguments, "O!O", &PyList_Type, &entries, &picture)) return NULL;
+    if (!PyArg_ParseTuple(arguments, "O!Oi", &PyList_Type, &entries, &picture, &ordinary)) return NULL;
     const Py_ssize_t count = PyList_GET_SIZE(entries);
     PyObject* const rows = PyList_New(count);
     if (rows == NULL) return NULL;
     for (Py_ssize_t index = 0; index < count; ++index) {
-        PyObject* const row = make_row(PyList_GET_ITEM(entries, index), picture);
+        PyObject* const row = make_row(PyList_GET_ITEM(entries, index), picture, ordinary);
         if (row == NULL) {
             Py_DECREF(rows);
             return NULL;

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "picture.hpp"
 #include "python/strings.hpp"
-#include "screen.hpp"
 #include "text/catalogue.hpp"
 
 namespace morvesk::catalogue {
@@ -52,13 +52,18 @@ void readBody(const Ref& entries, Ref body) {
     reverse(entries, 0);
 }
 
-Ref makeRow(const Object& entry, const screen::Picture& picture) {
+/// `"%s" % (value,)`: a string is its own text.
+Ref asText(Object value) {
+    return PyString_CheckExact(value.get()) ? std::move(value).take() : makeText("%s", {std::move(value).take()});
+}
+
+Ref makeRow(const Object& entry, const Picture& picture) {
     auto archive = entry.item(3).take();
     auto headline = makeText("%s - %s", {entry.item(0).take(), entry.item(1).take()});
-    auto description = makeText("%s", {entry.item(2).take()});
+    auto description = asText(entry.item(2));
     auto icon = picture.load().take();
-    return python::makeTuple(
-        {std::move(archive), std::move(headline), std::move(description), std::move(icon), entry.item(1).take()});
+    return python::untracked(python::makeTuple(
+        {std::move(archive), std::move(headline), std::move(description), std::move(icon), entry.item(1).take()}));
 }
 
 }  // namespace
@@ -83,7 +88,7 @@ Ref readEntries(Object catalogue) {
 }
 
 void appendRows(const Module& module, const Object& self, const Object& entries) {
-    const screen::Picture picture(module, "sockets.png");
+    const Picture picture(module, "sockets.png");
     for (const auto& entry : python::Elements(entries)) {
         self.attr(Name::list).append(makeRow(entry, picture));
     }

@@ -1,6 +1,6 @@
 #include "screen.hpp"
 
-#include <string>
+#include "picture.hpp"
 
 namespace morvesk::screen {
 
@@ -81,15 +81,6 @@ Object keyCancel(const Module& module, const Object& self) {
 
 void showList(const Object& self) {
     self.item(LIST_WIDGET).attr(Name::setList)({self.attr(Name::list)});
-}
-
-Picture::Picture(const Module& module, const char* fileName)
-    : module_(module), path_(std::string("SystemPlugins/QelPanel/pictures/") + fileName) {}
-
-Object Picture::load() const {
-    const auto loadPixmap = module_.global(Name::LoadPixmap);
-    const auto path = module_.global(Name::resolveFilename)({module_.global(Name::SCOPE_PLUGINS), path_});
-    return loadPixmap({}, {Name::cached, true, Name::path, path});
 }
 
 Ref makeNotice(const Module& module, const char* headline, const char* text) {

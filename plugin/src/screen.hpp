@@ -24,18 +24,6 @@ Object keyCancel(const Module& module, const Object& self);
 /// Shows `self.list` in the catalogue widget.
 void showList(const Object& self);
 
-/// A picture of the host panel. Each load asks the host anew, whose cache shares what it has loaded before.
-class Picture {
-  public:
-    Picture(const Module& module, const char* fileName);
-
-    Object load() const;
-
-  private:
-    const Module& module_;
-    python::Value path_;
-};
-
 /// A row that tells something instead of offering a list: both texts translated, nothing to download.
 python::Ref makeNotice(const Module& module, const char* headline, const char* text);
 

@@ -82,7 +82,8 @@ void Import::run(const Module& target) const {
             for (const auto& item : items) {
                 if (item.name == nullptr) break;
                 const auto value = importItem(imported, item.name, where);
-                checked(PyDict_SetItemString(target.dict(), item.as, value.get()), where);
+                checked(PyDict_SetItemString(target.dict(), item.as == nullptr ? item.name : item.as, value.get()),
+                        where);
             }
             break;
         case Form::Everything:

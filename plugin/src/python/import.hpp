@@ -11,7 +11,7 @@ namespace morvesk::python {
 struct Import {
     struct Item {
         const char* name = nullptr;
-        const char* as = nullptr;
+        const char* as = nullptr;  // where that is another name; each pointer is work for the loader
     };
     enum class Form { Module, Items, Everything };
 
@@ -35,14 +35,14 @@ constexpr Import importFromAs(const char* module, const char* name, const char* 
 }
 
 constexpr Import importFrom(const char* module, const char* name, Where where = Where::here()) {
-    return importFromAs(module, name, name, where);
+    return importFromAs(module, name, nullptr, where);
 }
 
 template <std::size_t Count>
 constexpr Import importFrom(const char* module, const char* const (&names)[Count], Where where = Where::here()) {
     Import statement{module, Import::Form::Items, {}, where};
     for (std::size_t index = 0; index < Count; ++index) {
-        statement.items[index] = {names[index], names[index]};
+        statement.items[index].name = names[index];
     }
     return statement;
 }

@@ -27,7 +27,9 @@ class Ref {
     Ref(const Ref& other) noexcept : object_(other.object_) { Py_XINCREF(object_); }
     Ref(Ref&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
     // The analyser loses sight of the elements of a pair.
-    ~Ref() { drop(object_); }  // NOLINT(clang-analyzer-core.CallAndMessage)
+    ~Ref() {
+        if (object_ != nullptr) drop(object_);
+    }  // NOLINT(clang-analyzer-core.CallAndMessage)
 
     // By value: the old object is released last, when nothing refers to it through this reference any more.
     Ref& operator=(Ref other) noexcept {

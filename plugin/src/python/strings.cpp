@@ -4,6 +4,11 @@
 
 namespace morvesk::python {
 
+Ref untracked(Ref tuple) {
+    _PyTuple_MaybeUntrack(tuple.get());
+    return tuple;
+}
+
 Ref makeStringTuple(const std::string_view* strings, std::size_t count, Where where) {
     auto tuple = checked(PyTuple_New(static_cast<Py_ssize_t>(count)), where);
     for (std::size_t index = 0; index < count; ++index) {
@@ -11,9 +16,7 @@ Ref makeStringTuple(const std::string_view* strings, std::size_t count, Where wh
         PyTuple_SET_ITEM(tuple.get(), static_cast<Py_ssize_t>(index),
                          checked(PyString_FromStringAndSize(strings[index].data(), size), where).release());
     }
-    // Strings refer to nothing: without this, the collector would walk over a long catalogue again and again.
-    PyObject_GC_UnTrack(tuple.get());
-    return tuple;
+    return untracked(std::move(tuple));
 }
 
 Ref shortened(Ref string, std::size_t size, Where where) {
@@ -39,17 +42,20 @@ Py_ssize_t filledSize(std::string_view format, const Arguments& strings) {
     return size;
 }
 
-/// What the formatting does to strings, without its detour over every byte of the format.
+/// What the formatting does to strings, without its detours.
 Ref fill(std::string_view format, const Arguments& strings, Where where) {
     auto text = checked(PyString_FromStringAndSize(nullptr, filledSize(format, strings)), where);
+    PyObject* const* string = strings.begin();
     char* end = PyString_AS_STRING(text.get());
-    for (PyObject* const string : strings) {
-        const auto placeholder = format.find(PLACEHOLDER);
-        end = std::copy_n(format.data(), placeholder, end);
-        end = std::copy_n(PyString_AS_STRING(string), PyString_GET_SIZE(string), end);
-        format.remove_prefix(placeholder + PLACEHOLDER.size());
+    for (std::size_t index = 0; index < format.size(); ++index) {
+        if (format[index] == '%') {
+            end = std::copy_n(PyString_AS_STRING(*string), PyString_GET_SIZE(*string), end);
+            ++string;
+            ++index;
+        } else {
+            *end++ = format[index];
+        }
     }
-    std::copy(format.begin(), format.end(), end);
     return text;
 }
 

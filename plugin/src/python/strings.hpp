@@ -5,7 +5,11 @@
 
 namespace morvesk::python {
 
-/// A tuple of strings.
+/// A tuple that the collector of cycles need not look at, if none of its items can refer to anything: else it would
+/// walk over a long list again and again.
+Ref untracked(Ref tuple);
+
+/// An untracked tuple of strings.
 Ref makeStringTuple(const std::string_view* strings, std::size_t count, Where where = Where::here());
 
 /// Whether nothing but this reference knows the string, so that nobody sees it change.

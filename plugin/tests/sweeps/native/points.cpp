@@ -180,6 +180,14 @@ PyObject* hookFromFormat(const char* format, ...) {
     return text;
 }
 
+// Takes the string away where it fails.
+int hookResize(PyObject** string, Py_ssize_t size) {
+    if (!fails(Kind::Memory, "_PyString_Resize")) return _PyString_Resize(string, size);
+    Py_DECREF(*string);
+    *string = nullptr;
+    return -1;
+}
+
 const char* hookGetVersion() {
     return claimedVersion != nullptr ? claimedVersion : Py_GetVersion();
 }
@@ -249,6 +257,7 @@ const Entry HOOKS[] = {SWEEPS_FUNCTIONS(SWEEPS_HOST, SWEEPS_MEMORY)  //
                        {"_PyObject_CallMethod_SizeT", reinterpret_cast<void*>(hookCallMethod)},
                        {"PyObject_CallMethod", reinterpret_cast<void*>(hookCallMethod)},
                        {"PyString_FromFormat", reinterpret_cast<void*>(hookFromFormat)},
+                       {"_PyString_Resize", reinterpret_cast<void*>(hookResize)},
                        {"Py_GetVersion", reinterpret_cast<void*>(hookGetVersion)}};
 
 // What can neither fail nor run code of the host, or swallows its own failure.
@@ -279,10 +288,10 @@ const std::set<std::string_view> CANNOT_FAIL = {
     "PyImport_GetModuleDict",
     "PyModule_GetDict",
     "PyModule_GetName",
-    "PyObject_GC_UnTrack",
     "PySys_GetObject",
     "PyThreadState_Get",
     "PyType_IsSubtype",
+    "_PyTuple_MaybeUntrack",
     "_Py_AddToAllObjects",
     "_Py_Dealloc",
     "_Py_NegativeRefcount",
