@@ -130,10 +130,10 @@ Result failure() {
 }
 
 // One hook for each function, since a hook gets no word of which function was meant.
-template <auto Function, Kind kind, auto& name>
+template <auto Function, Kind kind, const char* name>
 struct Hook;
 
-template <typename Result, typename... Arguments, Result (*Function)(Arguments...), Kind kind, auto& name>
+template <typename Result, typename... Arguments, Result (*Function)(Arguments...), Kind kind, const char* name>
 struct Hook<Function, kind, name> {
     static Result call(Arguments... arguments) {
         if (fails(kind, name, arguments...)) return failure<Result>();
