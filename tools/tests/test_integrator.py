@@ -17,12 +17,12 @@ MODULE_TESTS = os.path.join(suite.CHECKOUT, "plugin", "tests", "module")
 
 # Where the suites lie that are named like this.
 SUITES = (
-    (r"(?:ucs2\.)?module\.(\w+)", "plugin/tests/module/test_%s.py"),
+    (r"(?:(?:ucs2|(?:clang|g)\+\+(?:-11)?-O[0s3])\.)?module\.(\w+)", "plugin/tests/module/test_%s.py"),
     (r"receiver\.(\w+)", "receiver/tests/test_%s.py"),
     (r"tools\.(\w+)", "tools/tests/test_%s.py"),
     (r"(?:armhf|mipsel|build)\.(\w+)", "tools/tests/%s_test.py"))
 
-REFERENCE = re.compile(r"\[([a-z0-9]+\.[a-z_.]+):\s+([a-z_0-9, \n]+)\]")
+REFERENCE = re.compile(r"\[([\w+-]+\.[a-z_.]+):\s+([a-z_0-9, \n]+)\]")
 
 # Prints what a load of the module imports: each module's name and the names taken from it.
 IMPORTS = """
