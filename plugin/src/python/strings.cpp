@@ -5,7 +5,10 @@
 namespace morvesk::python {
 
 Ref untracked(Ref tuple) {
-    _PyTuple_MaybeUntrack(tuple.get());
+    for (Py_ssize_t index = 0; index < PyTuple_GET_SIZE(tuple.get()); ++index) {
+        if (PyObject_IS_GC(PyTuple_GET_ITEM(tuple.get(), index))) return tuple;
+    }
+    PyObject_GC_UnTrack(tuple.get());
     return tuple;
 }
 
