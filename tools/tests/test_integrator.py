@@ -151,6 +151,11 @@ class Needs(unittest.TestCase):
         call = re.search(r"opens the screen with its own folder: `(.*?)`", read("integrator.md")).group(1)
         self.assertIn("    %s\n" % call, text)
 
+    def test_cmake(self):
+        said = re.search(r"CMake is the machine's, from ([0-9.]+) on", read("integrator.md")).group(1)
+        with open(os.path.join(suite.CHECKOUT, "CMakeLists.txt")) as source:
+            self.assertEqual(source.readline(), "cmake_minimum_required(VERSION %s)\n" % said)
+
     def test_pictures(self):
         with open(MODULE, "rb") as source:
             used = sorted(set(re.findall(r"\w+\.png", source.read())))
