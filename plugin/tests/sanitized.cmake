@@ -1,7 +1,7 @@
 # What a suite needs around it to run the sanitized module in an interpreter: `sanitized_environment`, empty for others.
 #
 # The interpreter is not sanitized: the run-time libraries have to be there before it loads the module. What it keeps until
-# its end is not ours to free.
+# its end is not ours to free: see the suppressions.
 set(sanitized_environment)
 if(MORVESK_SANITIZE)
     set(preloaded)
@@ -11,5 +11,8 @@ if(MORVESK_SANITIZE)
         list(APPEND preloaded ${path})
     endforeach()
     list(JOIN preloaded ":" preloaded)
-    set(sanitized_environment "LD_PRELOAD=${preloaded}" "ASAN_OPTIONS=detect_leaks=0")
+    set(sanitized_environment
+        "LD_PRELOAD=${preloaded}"
+        "ASAN_OPTIONS=detect_leaks=1:malloc_context_size=2"
+        "LSAN_OPTIONS=suppressions=${CMAKE_CURRENT_LIST_DIR}/interpreter.lsan:print_suppressions=0")
 endif()
