@@ -86,9 +86,43 @@ class Test(unittest.TestCase):
         self.assertEqual((outcome.status, outcome.output), (
             0, "release  tools.sandbox\nrelease  tools.setup\n"))
 
-    def test_build_service(self):
-        outcome = suite.run([os.path.join(suite.CHECKOUT, ".ci", "run"), "--fast"])
-        self.assertEqual((outcome.status, outcome.errors), (2, "test: unknown option '--fast'; see ./test --help\n"))
+    def test_commands_of_their_own(self):
+        for option, tool in (("--fuzz", "fuzz"), ("--coverage", "coverage"), ("--memcheck", "memcheck"),
+                             ("--receivers", "receivers")):
+            outcome = suite.run([TEST, option, "--help"])
+            self.assertEqual((outcome.status, outcome.errors), (0, ""), outcome)
+            self.assertIn("\nusage: tools/%s" % tool, outcome.output)
+            mistake = suite.run([TEST, option, "--nonsense"])
+            self.assertEqual((mistake.status, mistake.errors.splitlines()[-1]),
+                             (2, "%s: unknown option '--nonsense'; see tools/%s --help" % (tool, tool)))
+
+    def test_bench_only_checks(self):
+        outcome = suite.run([TEST, "--bench", "--text"])
+        self.assertEqual((outcome.status, outcome.errors.splitlines()[-1]),
+                         (2, "bench: one of --check, --only, --catalogue and --text is enough"))
+
+
+class BuildService(unittest.TestCase):
+    """What the build service runs."""
+
+    def service(self, failing):
+        """Its exit status and the commands that it has run, the one that is named being one that fails."""
+        checkout = suite.scratch_folder()
+        self.addCleanup(suite.remove_folder, checkout)
+        os.mkdir(checkout + "/.ci")
+        shutil.copy(os.path.join(suite.CHECKOUT, ".ci", "run"), checkout + "/.ci")
+        with open(checkout + "/test", "w") as target:
+            target.write('#!/bin/sh\necho "$@"\n[ "$1" != "%s" ]\n' % failing)
+        os.chmod(checkout + "/test", 0o755)
+        outcome = suite.run(["bash", ".ci/run"], folder=checkout)
+        return outcome.status, outcome.output.splitlines()
+
+    def test_everything_but_the_fuzzers(self):
+        self.assertEqual(self.service("none"), (0, [
+            "--all", "--coverage", "--memcheck", "--receivers armhf arm64", "--bench"]))
+
+    def test_a_failure_is_its_own(self):
+        self.assertEqual(self.service("--memcheck"), (1, ["--all", "--coverage", "--memcheck"]))
 
 
 class Suites(unittest.TestCase):
