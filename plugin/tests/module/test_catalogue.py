@@ -2,6 +2,7 @@
 
 import hashlib
 import httplib
+import os
 import random
 import socket
 import urllib2
@@ -12,6 +13,8 @@ import recording_host
 from recording_host import FEED_FILE, call
 
 ENTRY = ("A", "B", "C", "D")
+# What runs under valgrind makes do with less.
+MEGABYTE = int(os.environ.get("MORVESK_MEGABYTE") or 1 << 20)
 
 # The body of a catalogue and its entries.
 CATALOGUES = (
@@ -325,9 +328,11 @@ class LongBody(loading.ModuleCase):
         super(LongBody, self).setUp()
         self.replace(info_url=lambda: "address")
         dice = random.Random(2023)
-        self.bodies = [long_catalogue(dice, size) for size in (1 << 20, 3 << 20)]
-        self.bodies += ["A:::B:::C:::D", "\n" + "x" * (2 << 20), "x" * (2 << 20) + "\nA:::B:::C:::D\n", "\n" * (2 << 20),
-                        "A:::B:::C:::D\n" * (1 << 17), ":" * (2 << 20), ("x" * 1023 + "\n") * 2048 + "A:::B:::C:::D"]
+        self.bodies = [long_catalogue(dice, size) for size in (MEGABYTE, 3 * MEGABYTE)]
+        long_line = "x" * 2 * MEGABYTE
+        self.bodies += ["A:::B:::C:::D", "\n" + long_line, long_line + "\nA:::B:::C:::D\n", "\n" * 2 * MEGABYTE,
+                        "A:::B:::C:::D\n" * (MEGABYTE // 8), ":" * 2 * MEGABYTE,
+                        ("x" * 1023 + "\n") * (MEGABYTE // 512) + "A:::B:::C:::D"]
 
     def read(self, answer):
         """What is read from this answer."""
