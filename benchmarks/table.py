@@ -4,6 +4,7 @@ import os
 
 import inputs
 import instructions
+import memory
 import progress
 import rounds
 from contenders import FLOOR, NAMES, OURS, PLAIN, SECOND
@@ -110,13 +111,13 @@ class Table(object):
         return _changed([series], names, lambda pair: pair[0] / pair[1] * 100)
 
     def _memory(self):
-        """What is on top of what the result itself holds, which the floor shows best; its own figure is the body."""
+        """What is on top of what the result itself holds; the floor's own figure is the body."""
         body = len(inputs.Store(self.place.scratch).catalogue(LONG)[0])
-        series = rounds.fresh(self.place, THREE, 3, "memory", LONG)
-        made = rounds.Series(THREE)
-        for ours, plain, floor in zip(*[series.values[name] for name in THREE]):
-            made.add(OURS, (ours[0] - floor[1]) / 1e6)
-            made.add(PLAIN, (plain[0] - floor[1]) / 1e6)
+        found = memory.on_top(rounds.fresh(self.place, memory.CONTENDERS, 3, "memory", LONG))
+        made = rounds.Series(memory.CONTENDERS)
+        for ours, plain in zip(found[OURS], found[PLAIN]):
+            made.add(OURS, ours / 1e6)
+            made.add(PLAIN, plain / 1e6)
             made.add(FLOOR, body / 1e6)
         return made
 

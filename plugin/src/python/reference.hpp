@@ -28,8 +28,8 @@ class Ref {
     Ref(Ref&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
     // The analyser loses sight of the elements of a pair.
     ~Ref() {
-        if (object_ != nullptr) drop(object_);
-    }  // NOLINT(clang-analyzer-core.CallAndMessage)
+        if (object_ != nullptr) drop(object_);  // NOLINT(clang-analyzer-core.UndefinedBinaryOperatorResult)
+    }
 
     // By value: the old object is released last, when nothing refers to it through this reference any more.
     Ref& operator=(Ref other) noexcept {
