@@ -54,6 +54,11 @@ TEST(RootFile, EndsEveryLineInOneLineFeed) {
     EXPECT_EQ(contentOf({"a\r\n", "\r\rb\rc\n", "\n", "", "d"}), "a\nbc\n\n\nd\n");
 }
 
+// As a host's own kind of file may give them.
+TEST(RootFile, DropsLineFeedsInsideOfALine) {
+    EXPECT_EQ(contentOf({"a\nb\n\nc\n", "\n\r\nd"}), "abc\nd\n");
+}
+
 TEST(RootFile, IsEmptyWithoutLines) {
     EXPECT_EQ(contentOf({}), "");
 }
