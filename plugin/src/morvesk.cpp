@@ -101,7 +101,7 @@ void execute(const Ref& moduleObject) {
     const Module module(state.get());
 
     for (const auto& statement : IMPORTS) {
-        statement.run(module);
+        statement.run(module, Where::here().file);
     }
     for (auto& definition : python::definitions<FUNCTIONS>()) {
         const auto function = python::makeFunction(module, definition);

@@ -1,6 +1,9 @@
-#include "python/call.hpp"
+// Calls of the host's functions.
 
+#include <algorithm>
 #include <array>
+
+#include "python/object.hpp"
 
 namespace morvesk::python {
 
@@ -49,8 +52,11 @@ Ref makeDict(const Keywords& keywords, Names names, Where where) {
     return dict;
 }
 
-}  // namespace
-
+/// Calls `callable` as a call in Python code does. Returns null, with the interpreter's error set, where it raised;
+/// throws Error where the arguments could not be handed over.
+///
+/// A function that is written in Python, as nearly all of the host's are, gets its arguments without a tuple and a dict
+/// around them, as it would from Python code.
 PyObject* call(PyObject* callable, Arguments&& arguments, const Keywords& keywords, Names names, Where where) {
     if (PyFunction_Check(callable)) return callFunction(callable, nullptr, arguments, keywords, names);
     if (PyMethod_Check(callable) && PyMethod_GET_SELF(callable) != nullptr &&
@@ -60,6 +66,19 @@ PyObject* call(PyObject* callable, Arguments&& arguments, const Keywords& keywor
     const auto tuple = makeTuple(std::move(arguments), where);
     const auto dict = makeDict(keywords, names, where);
     return PyObject_Call(callable, tuple.get(), dict.get());
+}
+
+}  // namespace
+
+Ref makeTuple(Arguments&& items, Where where) {
+    auto tuple = checked(PyTuple_New(static_cast<Py_ssize_t>(items.size())), where);
+    std::copy(items.begin(), items.end(), &PyTuple_GET_ITEM(tuple.get(), 0));
+    items.release();
+    return tuple;
+}
+
+Object Object::operator()(Arguments&& arguments, const Keywords& keywords, Where where) const {
+    return {checked(python::call(get(), std::move(arguments), keywords, names_, where), where), names_};
 }
 
 }  // namespace morvesk::python

@@ -5,22 +5,22 @@ namespace morvesk::python {
 namespace {
 
 /// The names of the statement as `__import__` wants to know them: None, ("a", "b") or ("*",).
-Ref fromList(const Import& statement) {
+Ref fromList(const Import& statement, Where where) {
     if (statement.form == Import::Form::Module) return Value(NONE).ref();
-    if (statement.form == Import::Form::Everything) return makeTuple({"*"}, statement.where);
-    const auto names = makeList({}, statement.where);
+    if (statement.form == Import::Form::Everything) return makeTuple({"*"}, where);
+    const auto names = makeList({}, where);
     for (const auto& item : statement.items) {
         if (item.name == nullptr) break;
-        checked(PyList_Append(names.get(), Value(item.name).get()), statement.where);
+        checked(PyList_Append(names.get(), Value(item.name).get()), where);
     }
-    return checked(PyList_AsTuple(names.get()), statement.where);
+    return checked(PyList_AsTuple(names.get()), where);
 }
 
-Object callImport(const Import& statement, const Module& target) {
+Object callImport(const Import& statement, const Module& target, Where where) {
     const auto function = target.builtin(Name::import);
-    if (!function) throw Error(PyExc_ImportError, "__import__ not found", statement.where);
+    if (!function) throw Error(PyExc_ImportError, "__import__ not found", where);
     const auto globals = Ref::borrow(target.dict());
-    return function({statement.module, globals, globals, fromList(statement)}, statement.where);
+    return function({statement.module, globals, globals, fromList(statement, where)}, where);
 }
 
 Ref importItem(const Object& module, const char* name, Where where) {
@@ -72,8 +72,9 @@ void importEverything(const Object& module, PyObject* namespaceDict, Where where
 
 }  // namespace
 
-void Import::run(const Module& target) const {
-    const auto imported = callImport(*this, target);
+void Import::run(const Module& target, const char* file) const {
+    const Where where{file, line};
+    const auto imported = callImport(*this, target, where);
     switch (form) {
         case Form::Module:
             checked(PyDict_SetItemString(target.dict(), module, imported.get()), where);

@@ -16,39 +16,40 @@ struct Import {
     enum class Form { Module, Items, Everything };
 
     const char* module;
-    Form form;
     std::array<Item, 3> items;
-    Where where;
+    Form form;
+    int line;
 
-    /// Runs the statement in the module's namespace, through the interpreter's `__import__`.
+    /// Runs the statement, which stands in this file, in the module's namespace, through the interpreter's
+    /// `__import__`.
     ///
     /// Raises what the statement raises, ImportError above all.
-    void run(const Module& target) const;
+    void run(const Module& target, const char* file) const;
 };
 
-constexpr Import importModule(const char* module, Where where = Where::here()) {
-    return {module, Import::Form::Module, {}, where};
+constexpr Import importModule(const char* module, int line = __builtin_LINE()) {
+    return {module, {}, Import::Form::Module, line};
 }
 
-constexpr Import importFromAs(const char* module, const char* name, const char* as, Where where = Where::here()) {
-    return {module, Import::Form::Items, {{{name, as}}}, where};
+constexpr Import importFromAs(const char* module, const char* name, const char* as, int line = __builtin_LINE()) {
+    return {module, {{{name, as}}}, Import::Form::Items, line};
 }
 
-constexpr Import importFrom(const char* module, const char* name, Where where = Where::here()) {
-    return importFromAs(module, name, nullptr, where);
+constexpr Import importFrom(const char* module, const char* name, int line = __builtin_LINE()) {
+    return importFromAs(module, name, nullptr, line);
 }
 
 template <std::size_t Count>
-constexpr Import importFrom(const char* module, const char* const (&names)[Count], Where where = Where::here()) {
-    Import statement{module, Import::Form::Items, {}, where};
+constexpr Import importFrom(const char* module, const char* const (&names)[Count], int line = __builtin_LINE()) {
+    Import statement{module, {}, Import::Form::Items, line};
     for (std::size_t index = 0; index < Count; ++index) {
         statement.items[index].name = names[index];
     }
     return statement;
 }
 
-constexpr Import importEverythingFrom(const char* module, Where where = Where::here()) {
-    return {module, Import::Form::Everything, {}, where};
+constexpr Import importEverythingFrom(const char* module, int line = __builtin_LINE()) {
+    return {module, {}, Import::Form::Everything, line};
 }
 
 }  // namespace morvesk::python

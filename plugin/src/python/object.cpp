@@ -1,6 +1,6 @@
-#include <algorithm>
+#include "python/object.hpp"
 
-#include "python/call.hpp"
+#include <algorithm>
 
 namespace morvesk::python {
 
@@ -35,10 +35,6 @@ void Object::setItem(const Value& key, const Value& value, Where where) const {
 
 Object Object::operator()(Arguments&& arguments, Where where) const {
     return operator()(std::move(arguments), {}, where);
-}
-
-Object Object::operator()(Arguments&& arguments, const Keywords& keywords, Where where) const {
-    return {checked(python::call(get(), std::move(arguments), keywords, names_, where), where), names_};
 }
 
 Object Object::call(Name name, Where where) const {
@@ -110,13 +106,6 @@ Object Elements::next() const {
     auto element = Ref::steal(PyIter_Next(iterator_.get()));
     if (!element && PyErr_Occurred() != nullptr) throw Error(where_);
     return {std::move(element), names_};
-}
-
-Ref makeTuple(Arguments&& items, Where where) {
-    auto tuple = checked(PyTuple_New(static_cast<Py_ssize_t>(items.size())), where);
-    std::copy(items.begin(), items.end(), &PyTuple_GET_ITEM(tuple.get(), 0));
-    items.release();
-    return tuple;
 }
 
 Ref makeList(Arguments&& items, Where where) {
