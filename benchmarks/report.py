@@ -129,6 +129,8 @@ def _by_itself(result, verdict):
     said = u"%s instead of %s." % (_figure(result, OURS), _number(verdict.limit))
     for name in result.floors():
         said += u" The %s (%s) is at %s." % (_name(name), _what(result, name), _figure(result, name))
+    if result.figure(PLAIN) is not None:
+        said += u" Plain Python is at %s." % _figure(result, PLAIN)
     if result.growth is not None:
         said += u" The instructions of ours are at %s %s: what grows is what memory costs, not the work." % (
             _number(result.growth), result.row.unit)
@@ -138,8 +140,13 @@ def _by_itself(result, verdict):
 REASONS = {"faster": _against_plain, "over": _against_floor, "itself": _by_itself}
 
 
+def _reason(result, verdict):
+    more = u" " + result.row.more if result.row.more else u""
+    return REASONS[verdict.kind](result, verdict) + more
+
+
 def _missed(results):
-    said = [u"- **%s**: %s\n" % (result.row.title, REASONS[verdict.kind](result, verdict))
+    said = [u"- **%s**: %s\n" % (result.row.title, _reason(result, verdict))
             for result in results for verdict in result.verdicts() if not verdict.reached]
     return u"".join(said) or u"Everything that is asked for is reached.\n"
 
