@@ -1,5 +1,6 @@
 # The package that a receiver's package manager installs: `cpack` in the build folder, or the target `package`.
 if(NOT CMAKE_BUILD_TYPE STREQUAL "Release")
+    message(STATUS "No package: only what is built with CMAKE_BUILD_TYPE=Release is stripped for receivers")
     return()
 endif()
 
