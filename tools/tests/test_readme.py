@@ -11,7 +11,7 @@ GENERATOR = os.path.join(suite.CHECKOUT, "receiver", "feed", "make_feed.py")
 
 # This suite is run by one of them, and another takes a while, and the compilers of other processors, so that it has a suite
 # of its own.
-SHOWN_ELSEWHERE = {"./test": "the command that runs this suite", "tools/build armhf": "receivers.build"}
+SHOWN_ELSEWHERE = {"./test": "the command that runs this suite", "tools/build armhf": "build.commands"}
 
 APPENDED = "Loading new services list finished succesfully."
 CHANGED = "What has changed on the receiver:\n  transponders  34 -> "
