@@ -90,9 +90,9 @@ Object getServiceLists(const Module& module, const Object& self) {
     if (status.equals(TRANSFERRED)) {
         appendRows(module, self, entries);
     } else if (status.equals(HTTP_ERROR)) {
-        self.attr(Name::list).append(makeErrorRow(module, HTTP_ERROR));
+        self.attr(Name::list).append()(makeErrorRow(module, HTTP_ERROR));
     } else if (status.equals(URL_ERROR)) {
-        self.attr(Name::list).append(makeErrorRow(module, URL_ERROR));
+        self.attr(Name::list).append()(makeErrorRow(module, URL_ERROR));
     }
     screen::showList(self);
     return module.object(NONE);

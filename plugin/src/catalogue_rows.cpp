@@ -90,7 +90,7 @@ Ref readEntries(Object catalogue) {
 void appendRows(const Module& module, const Object& self, const Object& entries) {
     const Picture picture(module, "sockets.png");
     for (const auto& entry : python::Elements(entries)) {
-        self.attr(Name::list).append(makeRow(entry, picture));
+        self.attr(Name::list).append()(makeRow(entry, picture));
     }
 }
 

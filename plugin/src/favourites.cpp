@@ -74,7 +74,7 @@ Object collect(const Module& module, const Object& self, const Kind& kind, const
         if (!text::namesUserBouquet(quoted, kind.suffix)) continue;
         const auto name = module.object(quoted);
         if (!pathFunction(module, Name::exists)({self.attr(Name::tmp_path).plus("/").plus(name)}).truth()) continue;
-        found.append(makeTuple({name, targetName(module, self, name, kind, timeStamp)}));
+        found.append()(makeTuple({name, targetName(module, self, name, kind, timeStamp)}));
     }
     return found;
 }

@@ -49,7 +49,7 @@ Object construct(const Module& module, const Object& self, const Object& session
     makeTitle(module, self);
     self.setAttr(Name::list, makeList());
     self.attr(Name::list)
-        .append(makeNotice(module, "Please wait ...", " downloading available service list information"));
+        .append()(makeNotice(module, "Please wait ...", " downloading available service list information"));
     self.setItem(LIST_WIDGET, module.global(Name::List)({self.attr(Name::list)}));
     self.setItem("key_red", module.global(Name::StaticText)({module.translate("Exit")}));
     self.setItem("key_green", module.global(Name::StaticText)({module.translate("Ok")}));
@@ -57,7 +57,7 @@ Object construct(const Module& module, const Object& self, const Object& session
                  module.global(Name::ActionMap)({makeList({"SetupActions", "ColorActions", "DirectionActions"}),
                                                  makeKeys(module, self), KEY_PRIORITY}));
     self.setAttr(Name::Console, module.global(Name::ComConsole)());
-    self.attr(Name::onLayoutFinish).append(self.attr(Name::init_vars));
+    self.attr(Name::onLayoutFinish).append()(self.attr(Name::init_vars));
     return module.object(NONE);
 }
 

@@ -83,12 +83,8 @@ std::pair<Object, Object> Object::unpackPair(Where where) const {
     return {{std::move(first), names_}, {std::move(second), names_}};
 }
 
-void Object::append(const Value& value, Where where) const {
-    if (PyList_CheckExact(get())) {
-        checked(PyList_Append(get(), value.get()), where);
-    } else {
-        attr(Name::append, where)({value}, where);
-    }
+Append Object::append(Where where) const {
+    return Append(*this, where);
 }
 
 std::string_view Object::bytes(const char* what, Where where) const {
@@ -97,6 +93,18 @@ std::string_view Object::bytes(const char* what, Where where) const {
         throw Error(where);
     }
     return {PyString_AS_STRING(get()), static_cast<std::size_t>(PyString_GET_SIZE(get()))};
+}
+
+Append::Append(Object list, Where where) : list_(std::move(list)), where_(where) {
+    if (!PyList_CheckExact(list_.get())) method_ = list_.attr(Name::append, where);
+}
+
+void Append::operator()(const Value& value) const {
+    if (method_) {
+        method_({value.ref()}, where_);
+    } else {
+        checked(PyList_Append(list_.get(), value.get()), where_);
+    }
 }
 
 Elements::Elements(const Object& iterable, Where where)

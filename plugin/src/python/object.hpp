@@ -10,6 +10,8 @@
 
 namespace morvesk::python {
 
+class Append;
+
 /// A reference to an object of the interpreter; empty where an optional argument was not given.
 class Object {
   public:
@@ -60,8 +62,8 @@ class Object {
     /// `first, second = self`
     std::pair<Object, Object> unpackPair(Where where = Where::here()) const;
 
-    /// `self.append(value)`
-    void append(const Value& value, Where where = Where::here()) const;
+    /// `self.append`
+    Append append(Where where = Where::here()) const;
 
     /// The bytes of a `str`, which must outlive their use.
     ///
@@ -71,6 +73,19 @@ class Object {
   private:
     Ref ref_;
     Names names_;
+};
+
+/// A list's `append`: looked up before what is appended is made, as in Python code. That of a true list is known.
+class Append {
+  public:
+    explicit Append(Object list, Where where);
+
+    void operator()(const Value& value) const;
+
+  private:
+    Object list_;
+    Object method_;
+    Where where_;
 };
 
 /// `for element in iterable`, for a range-based for loop.

@@ -61,6 +61,32 @@ class Construction(loading.ModuleCase):
         screen = self.make(session, folder)
         self.assertCalls(self.expected(screen, session, folder))
 
+    def test_the_hooks_append_is_looked_up_before_the_hook(self):
+        looked_up = []
+
+        class Hooks(list):
+            """A hook list that sees look-ups."""
+
+            @property
+            def append(self):
+                """Found on the class."""
+                looked_up.append("append")
+                return super(Hooks, self).append
+
+        class Screen(self.module.Morvesk):
+            """A screen that sees look-ups and has such a hook list."""
+
+            onLayoutFinish = property(lambda self: self.__dict__.setdefault("hooks", Hooks()), lambda self, value: None)
+
+            @property
+            def init_vars(self):
+                """Found on the class."""
+                looked_up.append("init_vars")
+
+        screen = Screen(recording_host.Session(), "/the/panel")
+        self.assertEqual(looked_up, ["append", "init_vars"])
+        self.assertEqual(screen.onLayoutFinish, [None])
+
     def test_attributes(self):
         session, folder = recording_host.Session(), object()
         screen = self.make(session, folder)
