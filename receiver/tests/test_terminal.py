@@ -12,6 +12,7 @@ import support
 from support import CATALOGUE, ENTRY, archive, bouquet, catalogue, feed, new_list, own_settings, root, wait_for
 
 STATUS = " ↑↓←→ move  Enter OK  Esc EXIT  r/F1 red  g/F2 green  0-9 digits  Ctrl-C leave"
+WORKING = "working ..."
 LIST = """\
  TV  Favourites (TV)  ▸ Erste Welle
 ┌─ Download services lists ────────────────────────────────────────────────────┐
@@ -101,11 +102,13 @@ class Terminal(object):
         return self._tmux("display-message", "-p", form).strip()
 
     def wait_for(self, text, *options):
-        """Waits until the text is on the screen; gives the whole screen."""
+        """Waits until the text is on the screen and nobody works any more; gives the whole screen."""
         wanted = [line.strip() for line in text.split("\n")]
 
         def shown():
             screen = self.screen(*options)
+            if WORKING in screen:
+                return None
             lines = screen.split("\n")
             for start in range(len(lines) - len(wanted) + 1):
                 if all(part in line for part, line in zip(wanted, lines[start:])):
@@ -144,8 +147,7 @@ class OnATerminal(support.ReceiverCase):
         if "module" in changes:
             words = ["MORVESK_MODULE=" + changes["module"]] + words
         terminal.line(" ".join(pipes.quote(word) if "=" not in word else word for word in words) + "; echo status $?")
-        terminal.wait_for(changes.get("first", "Exit    Ok"))
-        return terminal.wait_until(lambda screen: "working ..." not in screen)
+        return terminal.wait_for(changes.get("first", "Exit    Ok"))
 
     def instance(self):
         """The folder of the receiver that runs on this test's settings."""
@@ -202,8 +204,7 @@ class OnATerminal(support.ReceiverCase):
         terminal.type("Enter")
         terminal.wait_for(QUESTION)
         terminal.type("Down", "Enter")
-        terminal.wait_for(SUCCESS)
-        screen = terminal.wait_until(lambda screen: "working ..." not in screen)
+        screen = terminal.wait_for(SUCCESS)
         self.assertEqual(screen.split("\n")[0], " TV  Ελλάδα και κόσμος  ▸ Zweite Welle HD")
         self.assertFalse(os.path.exists(os.path.join(self.instance()[0], "tmp/settings")))
         terminal.type("Escape")
@@ -250,7 +251,7 @@ class OnATerminal(support.ReceiverCase):
         terminal = self.terminal()
         self.begin(terminal, feed={ENTRY[3]: support.slow_archive(new_list())})
         terminal.type("Enter")
-        terminal.wait_until(lambda screen: "working ..." in screen and "Aster" not in screen)
+        terminal.wait_until(lambda screen: WORKING in screen and "Aster" not in screen)
         terminal.type("Escape")
         screen = self.check_restored(terminal, 0)
         self.assertNotIn("still running", screen)
