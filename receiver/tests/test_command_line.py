@@ -125,11 +125,12 @@ class Mistakes(support.ReceiverCase):
         self.check(["--settings", closed], "--settings: the folder '%s' may not be read" % closed)
 
     def check_as_another_user(self):
-        """Root may read everything: the check itself is asked, as somebody else."""
+        """Root may read everything: the check itself is asked, as somebody else, who may not read a checkout of root's."""
         closed = self.folder("closed", own_settings())
         os.chmod(self.base, 0o755)
         os.chmod(closed, 0o700)
-        script = ("import os, sys; sys.path.insert(0, 'receiver'); import options; os.setgid(65534); os.setuid(65534)\n"
+        script = ("import codecs, os, sys; sys.path.insert(0, 'receiver'); import options; codecs.lookup('utf-8')\n"
+                  "os.setgid(65534); os.setuid(65534)\n"
                   "try: options.Options(['--settings', sys.argv[1]], True)\n"
                   "except options.Mistake as mistake: print mistake")
         output = subprocess.check_output([support.PYTHON, "-B", "-c", script, closed], cwd=support.CHECKOUT)
