@@ -83,28 +83,12 @@ std::pair<Object, Object> Object::unpackPair(Where where) const {
     return {{std::move(first), names_}, {std::move(second), names_}};
 }
 
-Append Object::append(Where where) const {
-    return Append(*this, where);
-}
-
 std::string_view Object::bytes(const char* what, Where where) const {
     if (!PyString_Check(get())) {
         PyErr_Format(PyExc_TypeError, "%s must be a str, not %.200s", what, Py_TYPE(get())->tp_name);
         throw Error(where);
     }
     return {PyString_AS_STRING(get()), static_cast<std::size_t>(PyString_GET_SIZE(get()))};
-}
-
-Append::Append(Object list, Where where) : list_(std::move(list)), where_(where) {
-    if (!PyList_CheckExact(list_.get())) method_ = list_.attr(Name::append, where);
-}
-
-void Append::operator()(const Value& value) const {
-    if (method_) {
-        method_({value.ref()}, where_);
-    } else {
-        checked(PyList_Append(list_.get(), value.get()), where_);
-    }
 }
 
 Elements::Elements(const Object& iterable, Where where)

@@ -62,7 +62,7 @@ class Object {
     /// `first, second = self`
     std::pair<Object, Object> unpackPair(Where where = Where::here()) const;
 
-    /// `self.append`
+    /// `self.append`, for as long as the object is there.
     Append append(Where where = Where::here()) const;
 
     /// The bytes of a `str`, which must outlive their use.
@@ -78,15 +78,29 @@ class Object {
 /// A list's `append`: looked up before what is appended is made, as in Python code. That of a true list is known.
 class Append {
   public:
-    explicit Append(Object list, Where where);
+    Append(const Object& list, Where where) : list_(list), where_(where) {
+        if (!isTrueList()) method_ = list.attr(Name::append, where);
+    }
 
-    void operator()(const Value& value) const;
+    void operator()(const Value& value) const {
+        if (isTrueList()) {
+            checked(PyList_Append(list_.get(), value.get()), where_);
+        } else {
+            method_({value.ref()}, where_);
+        }
+    }
 
   private:
-    Object list_;
+    bool isTrueList() const noexcept { return PyList_CheckExact(list_.get()); }
+
+    const Object& list_;
     Object method_;
     Where where_;
 };
+
+inline Append Object::append(Where where) const {
+    return {*this, where};
+}
 
 /// `for element in iterable`, for a range-based for loop.
 class Elements {
