@@ -9,6 +9,8 @@ from display.characters import quoted
 from options import Mistake
 
 _ADDRESS_SANITIZER = re.compile(r"libasan\.so\.\d+")
+# The sanitizer looks for it once, before any module is loaded.
+_WHERE_EXCEPTIONS_ARE_THROWN = "libstdc++.so.6"
 _ONLY_FOR_THE_DEBUG_INTERPRETER = "_Py_RefTotal"
 _LEAKS_ARE_THE_INTERPRETERS = "detect_leaks=0"
 
@@ -39,7 +41,7 @@ def _environment(content):
     sanitizer = _ADDRESS_SANITIZER.search(content)
     if not sanitizer:
         return ""
-    settings = (("LD_PRELOAD", sanitizer.group()),
+    settings = (("LD_PRELOAD", sanitizer.group() + ":" + _WHERE_EXCEPTIONS_ARE_THROWN),
                 ("ASAN_OPTIONS", os.environ.get("ASAN_OPTIONS", _LEAKS_ARE_THE_INTERPRETERS)),
                 ("UBSAN_OPTIONS", os.environ.get("UBSAN_OPTIONS", "")))
     return "env %s " % " ".join("%s=%s" % (name, pipes.quote(value)) for name, value in settings)
