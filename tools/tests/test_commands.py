@@ -119,7 +119,7 @@ class BuildService(unittest.TestCase):
 
     def test_everything_but_the_fuzzers(self):
         self.assertEqual(self.service("none"), (0, [
-            "--all", "--coverage", "--memcheck", "--receivers armhf arm64", "--bench"]))
+            "--all", "--coverage", "--memcheck", "--receivers pc armhf arm64 build.reader build.sdk", "--bench"]))
 
     def test_a_failure_is_its_own(self):
         self.assertEqual(self.service("--memcheck"), (1, ["--all", "--coverage", "--memcheck"]))
