@@ -21,5 +21,5 @@ if(MORVESK_SANITIZE)
     set(sanitized_environment
         "LD_PRELOAD=${preloaded}"
         "ASAN_OPTIONS=detect_leaks=${detect_leaks}:malloc_context_size=2"
-        "LSAN_OPTIONS=suppressions=${CMAKE_CURRENT_LIST_DIR}/interpreter.lsan:print_suppressions=0")
+        "LSAN_OPTIONS=suppressions='${CMAKE_CURRENT_LIST_DIR}/interpreter.lsan':print_suppressions=0")
 endif()

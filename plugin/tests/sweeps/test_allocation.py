@@ -60,7 +60,7 @@ class Watched(object):
         command = INTERPRETER + [WORKER, place] + [str(word) for word in start + tuple(sweeps)]
         with tempfile.TemporaryFile() as errors:
             worker = subprocess.Popen(
-                command, stdout=subprocess.PIPE, stderr=errors, env=environment())
+                command, stdout=subprocess.PIPE, stderr=errors, env=environment(), cwd=os.path.dirname(LIBRARY) or None)
             for line in worker.stdout:
                 self.note(line.rstrip("\n").split("\t"))
             status = worker.wait()
@@ -79,10 +79,10 @@ class Watched(object):
 
 
 def environment():
-    """The worker's environment."""
+    """The worker's environment. It runs beside the library, since what is preloaded may have no blank in its path."""
     if "memory" not in KINDS:
         return os.environ
-    return dict(os.environ, LD_PRELOAD=LIBRARY)
+    return dict(os.environ, LD_PRELOAD="./" + os.path.basename(LIBRARY))
 
 
 class AllocationSweep(unittest.TestCase):
