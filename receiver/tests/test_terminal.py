@@ -173,6 +173,13 @@ class OnATerminal(support.ReceiverCase):
         self.assertEqual(open(self.path("after")).read(), open(self.path("before")).read())
         return screen
 
+    def clear(self, terminal):
+        """Makes ready for another start. What is waited for is not on the screen yet."""
+        terminal.line("rm -r feed settings; echo all 'gone'")
+        terminal.wait_for("all gone")
+        terminal.line("clear; echo here 'before'")
+        terminal.wait_until(lambda screen: "all" not in screen and "here before" in screen)
+
     def test_the_first_screen(self):
         terminal = self.terminal()
         self.assertEqual(self.begin(terminal), LIST)
@@ -241,8 +248,7 @@ class OnATerminal(support.ReceiverCase):
         terminal = self.terminal()
         for number, red in enumerate(("r", "F1")):
             if number:
-                terminal.line("rm -r feed settings; clear; echo here 'before'")
-                terminal.wait_for("here before\n$")
+                self.clear(terminal)
             self.begin(terminal)
             terminal.type(red)
             self.check_restored(terminal, 0)
@@ -330,8 +336,7 @@ class OnATerminal(support.ReceiverCase):
             os.kill(pid, number)
             self.check_restored(terminal, status)
             self.assertFalse(os.path.exists(folder))
-            terminal.line("rm -r feed settings; clear; echo here 'before'")
-            terminal.wait_for("here before\n$")
+            self.clear(terminal)
 
     def test_the_receiver_is_killed(self):
         terminal = self.terminal()
