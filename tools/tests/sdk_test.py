@@ -5,6 +5,7 @@ them, whose compiler accepts nothing but the image's flags, and a machine all of
 import os
 import re
 import subprocess
+import tempfile
 import unittest
 
 import suite
@@ -86,7 +87,7 @@ class Sdk(unittest.TestCase):
         self.folder = suite.scratch_folder()
         self.addCleanup(suite.remove_folder, self.folder)
         # Neither SDKs nor make files know blanks.
-        self.sdk = os.path.join(suite.CHECKOUT, "build", "sdk-" + os.path.basename(self.folder))
+        self.sdk = tempfile.mkdtemp(prefix="image-sdk-")
         self.addCleanup(suite.remove_folder, self.sdk)
         self.names = {
             "sysroot": self.sdk + "/sysroots/armv7ahf-neon-image-linux-gnueabi",
