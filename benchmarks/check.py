@@ -61,10 +61,10 @@ def _by_instructions(place):
         return float(counts[key][name]) / counts[key][base]
 
     for key, bound in (("load", 0.9), ("catalogue of 100 lines", 7), ("catalogue of 10,000 lines", 7.5),
-                       ("catalogue without an entry", 20), ("list rows", 1.9), ("root file", 45), ("merge", 1.1)):
+                       ("catalogue without an entry", 20), ("list rows", 2), ("root file", 45), ("merge", 1.1)):
         yield at_least("instructions, %s: plain Python / ours" % key, ratio(key, PLAIN, OURS), bound)
     for key, bound in (("load", 2.4), ("catalogue of 100 lines", 2.3), ("catalogue of 10,000 lines", 2.1),
-                       ("list rows", 4.8)):
+                       ("list rows", 4.6)):
         yield at_most("instructions, %s: ours / floor" % key, ratio(key, OURS, FLOOR), bound)
     for key in LONG:
         yield at_most("instructions, %s and ten times as much: growth per line" % key,
@@ -73,22 +73,22 @@ def _by_instructions(place):
 
 def _timed(place, what, work, base, bound):
     progress.say("timing: " + what)
-    series, = rounds.times(place, (OURS, base), [work], 4, 5)
+    series, = rounds.times(place, (OURS, base), [work], 12, 5)
     return at_most(what, figures.median(series.ratios(OURS, base)), bound)
 
 
 def _by_time(place):
     yield _timed(place, "time, catalogue of 10,000 lines: ours / floor", ("catalogue", [10000]), FLOOR, 1.8)
     yield _timed(place, "time, catalogue without an entry: ours / memchr from line to line",
-                 ("rubbish", [4000000]), SECOND, 2.6)
+                 ("rubbish", [4000000]), SECOND, 2.2)
     yield _timed(place, "time, list rows: ours / floor", ("rows", [10000]), FLOOR, 3)
     yield _timed(place, "time, root file: ours / the interpreter's own file objects",
                  ("root_file", [10000, 1000]), SECOND, 1.6)
     progress.say("timing: merge")
-    series, = rounds.times(place, (OURS,), [("merge_in_host", [500])], 6, 2, "time_outside")
+    series, = rounds.times(place, (OURS,), [("merge_in_host", [500])], 12, 2, "time_outside")
     # What else the machine does only ever adds to it.
     least = min(outside / whole * 100 for outside, whole in series.values[OURS])
-    yield at_most("time, merge: least percentage outside of host and system calls", least, 7)
+    yield at_most("time, merge: least percentage outside of host and system calls", least, 6)
 
 
 def _by_bytes(place, build):

@@ -1,7 +1,7 @@
 """How many points a sweep visited, against how many it did when its record was written.
 
-Far fewer than on record mean that a sweep has lost sight of something; an operation that was made a little shorter is no reason
-to write the record anew. The calls that the host sees are what an operation does: of those none may be missing.
+Fewer points than on record mean that a sweep has lost sight of something, or that an operation was made shorter: who did that
+looks at the difference and writes the record anew.
 
 MORVESK_RECORD_POINTS=1 has the suites write the record instead.
 """
@@ -12,9 +12,6 @@ import sys
 
 FOLDER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "points")
 RECORDING = bool(os.environ.get("MORVESK_RECORD_POINTS"))
-# The part of the recorded points that has to be there, in percent.
-LEAST = 75
-EXACT = ("calls",)
 _visited = {}
 _records = {}
 
@@ -34,11 +31,6 @@ def read(sweep):
     return numbers
 
 
-def least(kind, on_record):
-    """The fewest points that will do."""
-    return on_record if kind in EXACT else (on_record * LEAST + 99) // 100
-
-
 def visited(sweep, kind, operation, number):
     """Tells the number of points; AssertionError when it has fallen or is in no record."""
     sys.stdout.write("%6d %s: %s\n" % (number, kind, operation))
@@ -48,7 +40,7 @@ def visited(sweep, kind, operation, number):
     if sweep not in _records:
         _records[sweep] = read(sweep)
     on_record = _records[sweep].get((kind, operation))
-    if on_record is None or number < least(kind, on_record):
+    if on_record is None or number < on_record:
         raise AssertionError("%s: %d %s visited, on record are %s. If the operation has become shorter, write the record anew "
                              "with MORVESK_RECORD_POINTS=1" % (operation, number, kind, on_record))
 
